@@ -1,0 +1,175 @@
+// Creates the configured post offices and holds their source directories.
+#include "host/PostOffices.h"
+
+#include <cerrno>
+#include <optional>
+#include <tuple>
+
+#include "gen/GENCATCH.h"
+#include "host/Exit.h"
+#include "pfa/PFAPROF.h"
+#include "plat/PlatError.h"
+#include "plat/PlatTerminal.h"
+
+namespace host {
+namespace {
+
+constexpr char CONSUMER_LOCK[] = ".krxhost";
+
+using DirectoryId = std::tuple<std::uint64_t, std::uint64_t>;
+
+std::optional<DirectoryId> identity(const std::string& directory) {
+  plat::FileStatus found;
+  if (plat::status(directory, found) != 0 || found.kind != plat::Kind::directory) {
+    return std::nullopt;
+  }
+  return DirectoryId(found.device, found.inode);
+}
+
+std::string holderOf(plat::File& file) {
+  char text[64];
+  std::size_t length = 0;
+  if (file.readAt(0, text, sizeof text, length) != 0 || length == 0) {
+    return "another process";
+  }
+  const std::string_view number(text, length);
+  return "process " + std::string(SCL_trimmed(number));
+}
+
+}  // namespace
+
+std::string withSeparator(std::string directory) {
+  if (directory.empty() || (directory.back() != '\\' && directory.back() != '/')) {
+    directory += '\\';
+  }
+  return directory;
+}
+
+std::string sectionValue(PFA_Profile& profile, const std::string& section, const char* entry) {
+  if (profile.selectSection(section.c_str()) != 0) {
+    return {};
+  }
+  for (unsigned int status = profile.nextEntry(true); status == 0;
+       status = profile.nextEntry(false)) {
+    char name[64];
+    char value[PFA_Profile::VALUE_SIZE];
+    if (profile.entryName(name, sizeof name) == 0 &&
+        SCL_equalNoCase(SCL_StringRef(name), entry) &&
+        profile.getValue(value, sizeof value, false, 1) == 0) {
+      return value;
+    }
+  }
+  return {};
+}
+
+PostOffices::PostOffices(const Module& module, PFA_Profile& profile, const Config& config,
+                         LOG_Logging& log)
+    : m_config(config), m_group("krxhost") {
+  m_postOffices.reserve(config.postOffices.size());
+  for (const std::string& name : config.postOffices) {
+    add(module, profile, name, log);
+  }
+}
+
+void PostOffices::add(const Module& module, PFA_Profile& profile, const std::string& name,
+                      LOG_Logging& log) {
+  PostOffice made;
+  made.name = name;
+  made.sourceDirectory = sectionValue(profile, name, "SourceDir");
+  made.destinationDirectory = sectionValue(profile, name, "DestDir");
+  made.object = module.newPostOffice(m_group, name, log);
+  unsigned int status = 0;
+  const auto failure = GENCatch([&] { made.object->configure(profile, status); });
+  if (failure || status != 0) {
+    throw Error(configuration,
+                "Post office \"" + name + "\" cannot be configured, " +
+                    (failure ? *failure : "status " + std::to_string(status)) + ".");
+  }
+  m_postOffices.push_back(std::move(made));
+}
+
+PostOffice& PostOffices::find(const std::string& name) {
+  for (PostOffice& candidate : m_postOffices) {
+    if (candidate.name == name) {
+      return candidate;
+    }
+  }
+  throw Error(configuration, "There is no post office \"" + name + "\".");
+}
+
+// A post office feeds those that read what it, or the post office of its route, writes.
+void PostOffices::refuseRings() const {
+  std::vector<std::optional<DirectoryId>> sources;
+  std::vector<std::optional<DirectoryId>> destinations;
+  for (const PostOffice& office : m_postOffices) {
+    sources.push_back(identity(office.sourceDirectory));
+    destinations.push_back(identity(office.destinationDirectory));
+  }
+  const auto indexOf = [&](const std::string& name) {
+    std::size_t i = 0;
+    while (m_postOffices[i].name != name) {
+      ++i;
+    }
+    return i;
+  };
+  const auto feeds = [&](std::size_t from, std::size_t to) {
+    const std::size_t through = indexOf(m_config.target(m_postOffices[from].name));
+    const auto same = [&](std::size_t writer) {
+      return sources[to] && destinations[writer] && *sources[to] == *destinations[writer];
+    };
+    return same(through) || (from == to && same(from));
+  };
+  for (std::size_t first = 0; first < m_postOffices.size(); ++first) {
+    // Walks all that is fed from `first`, remembering the way.
+    std::vector<std::string> way(m_postOffices.size());
+    std::vector<std::size_t> open{first};
+    way[first] = "\"" + m_postOffices[first].name + "\"";
+    while (!open.empty()) {
+      const std::size_t from = open.back();
+      open.pop_back();
+      for (std::size_t to = 0; to < m_postOffices.size(); ++to) {
+        if (!feeds(from, to)) {
+          continue;
+        }
+        const std::string step = way[from] + " -> \"" + m_postOffices[to].name + "\"";
+        if (to == first) {
+          throw Error(configuration, "Mail would go round in a ring: " + step + ".");
+        }
+        if (way[to].empty()) {
+          way[to] = step;
+          open.push_back(to);
+        }
+      }
+    }
+  }
+}
+
+void PostOffices::lockSources() {
+  for (PostOffice& office : m_postOffices) {
+    const std::string path = withSeparator(office.sourceDirectory) + CONSUMER_LOCK;
+    plat::OpenMode mode;
+    mode.read = true;
+    mode.write = true;
+    mode.create = true;
+    mode.noFollow = true;
+    mode.permissions = 0600;
+    int error = office.consumerLock.open(path, mode);
+    if (error == ENOENT) {
+      continue;  // the directory is not there yet; the post office tells about it
+    }
+    if (error == 0) {
+      error = plat::lockFile(office.consumerLock);
+    }
+    if (error == EWOULDBLOCK) {
+      throw Error(unavailable, "The source directory of post office \"" + office.name +
+                                   "\" is in use by " + holderOf(office.consumerLock) + ".");
+    }
+    const std::string number = std::to_string(plat::processNumber()) + "\n";
+    if (error != 0 || office.consumerLock.setSize(0) != 0 ||
+        office.consumerLock.writeAt(0, number.data(), number.size()) != 0) {
+      throw Error(inputOutput, path + ": " + plat::errorText(plat::lastFailure().error));
+    }
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,167 @@
+// Copies pairs into the receiver directory. The message's own save never replaces an earlier copy of
+// the same name; where one stands in the way, the pair is kept under a name with a number.
+#include "host/Receiver.h"
+
+#include <cerrno>
+#include <memory>
+
+#include "gen/GENCATCH.h"
+#include "gen/GENCODES.h"
+#include "gma/GMAMSG.h"
+#include "gma/GMAPO.h"
+#include "host/PostOffices.h"
+#include "krx/krxmsg.h"
+#include "plat/PlatError.h"
+#include "plat/PlatFile.h"
+
+namespace host {
+namespace {
+
+constexpr char RECEIVER[] = "QDXRECVR\\";
+constexpr int SMTP_POST_OFFICE = 0;
+constexpr int MAX_COPIES = 10000;
+constexpr std::size_t BLOCK = 65536;
+
+int openSpoolFile(plat::File& file, const std::string& path) {
+  plat::OpenMode mode;
+  mode.read = true;
+  mode.noFollow = true;
+  return file.open(path, mode);
+}
+
+// 1 the same bytes, 0 not, -1 one of them cannot be read.
+int sameContent(const std::string& a, const std::string& b) {
+  plat::File files[2];
+  if (openSpoolFile(files[0], a) != 0 || openSpoolFile(files[1], b) != 0) {
+    return -1;
+  }
+  const auto buffer = std::make_unique<char[]>(2 * BLOCK);
+  for (std::int64_t position = 0;; position += BLOCK) {
+    std::size_t got[2];
+    for (int i = 0; i < 2; ++i) {
+      if (files[i].readAt(position, buffer.get() + static_cast<std::size_t>(i) * BLOCK, BLOCK,
+                          got[i]) != 0) {
+        return -1;
+      }
+    }
+    const std::string_view first(buffer.get(), got[0]);
+    const std::string_view second(buffer.get() + BLOCK, got[1]);
+    if (first != second) {
+      return 0;
+    }
+    if (got[0] < BLOCK) {
+      return 1;
+    }
+  }
+}
+
+// Copies one file exclusively and commits it; 0 or an errno value. What is made is removed again on
+// a failure.
+int copyCommitted(const std::string& from, const std::string& to) {
+  plat::File source;
+  plat::File target;
+  int error = openSpoolFile(source, from);
+  plat::OpenMode mode;
+  mode.write = true;
+  mode.create = true;
+  mode.exclusive = true;
+  mode.noFollow = true;
+  mode.permissions = 0660;
+  if (error == 0) {
+    error = target.open(to, mode);
+  }
+  if (error != 0) {
+    return error;
+  }
+  const auto buffer = std::make_unique<char[]>(BLOCK);
+  std::size_t got = BLOCK;
+  for (std::int64_t position = 0; error == 0 && got == BLOCK; position += BLOCK) {
+    error = source.readAt(position, buffer.get(), BLOCK, got);
+    if (error == 0) {
+      error = target.writeAt(position, buffer.get(), got);
+    }
+  }
+  if (error == 0) {
+    error = target.commit();
+  }
+  const int closeError = target.close();
+  error = error != 0 ? error : closeError;
+  if (error != 0) {
+    plat::remove(to);
+  }
+  return error;
+}
+
+struct PairPaths {
+  std::string directory;
+  std::string envelope;
+  std::string message;
+};
+
+std::string numbered(const std::string& name, int number) {
+  const std::size_t point = name.rfind('.');
+  return name.substr(0, point) + "-" + std::to_string(number) + name.substr(point);
+}
+
+// Message file first, so that the copy is never an envelope without its message.
+int copyPair(const PairPaths& pair, int number) {
+  const std::string receiver = pair.directory + RECEIVER;
+  const std::string message = receiver + numbered(pair.message, number);
+  int error = copyCommitted(pair.directory + pair.message, message);
+  if (error != 0) {
+    return error;
+  }
+  error = copyCommitted(pair.directory + pair.envelope, receiver + numbered(pair.envelope, number));
+  if (error == 0) {
+    return plat::commitDirectory(receiver);
+  }
+  plat::remove(message);
+  return error;
+}
+
+bool keepBesideEarlier(const PairPaths& pair, std::string& why) {
+  const std::string receiver = pair.directory + RECEIVER;
+  if (sameContent(pair.directory + pair.envelope, receiver + pair.envelope) == 1 &&
+      sameContent(pair.directory + pair.message, receiver + pair.message) == 1) {
+    return true;
+  }
+  for (int number = 1; number <= MAX_COPIES; ++number) {
+    const int error = copyPair(pair, number);
+    if (error == 0) {
+      return true;
+    }
+    if (error != EEXIST) {
+      why = plat::lastFailure().path + ": " + plat::errorText(error);
+      return false;
+    }
+  }
+  why = "too many copies of the same name";
+  return false;
+}
+
+}  // namespace
+
+bool keepCopy(GMA_Message& message, const std::string& sourceDirectory, std::string& why) {
+  unsigned int status = 0;
+  plat::clearFailure();
+  if (const auto failure = GENCatch([&] { message.save(nullptr, status); })) {
+    why = *failure;
+    return false;
+  }
+  if (status == 0) {
+    return true;
+  }
+  if (status != FL_EXISTS || message.postOffice()->type() != SMTP_POST_OFFICE) {
+    why = "status " + std::to_string(status);
+    if (plat::lastFailure().error != 0) {
+      why += ", " + plat::lastFailure().path + ": " + plat::errorText(plat::lastFailure().error);
+    }
+    return false;
+  }
+  const auto& pair = static_cast<const KRX_Message&>(message);
+  return keepBesideEarlier({withSeparator(sourceDirectory), pair.fetchedEnvelope().c_str(),
+                            pair.fetchedMessage().c_str()},
+                           why);
+}
+
+}  // namespace host

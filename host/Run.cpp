@@ -1,0 +1,169 @@
+// The host's main loop. A message is destroyed, which removes its pair, only after it is delivered
+// or a copy of its pair is safe.
+#include "host/Run.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "gen/GENCATCH.h"
+#include "host/Exit.h"
+#include "host/Log.h"
+#include "host/Receiver.h"
+#include "krx/krxmsg.h"
+#include "plat/PlatClock.h"
+#include "plat/PlatError.h"
+#include "plat/PlatTerminal.h"
+
+namespace host {
+namespace {
+
+std::string pairName(const GMA_Message& message) {
+  return static_cast<const KRX_Message&>(message).fetchedEnvelope().c_str();
+}
+
+std::string describe(unsigned int status) {
+  std::string text = "status " + std::to_string(status);
+  const plat::Failure& failure = plat::lastFailure();
+  if (failure.error != 0) {
+    text += std::string(", ") + failure.operation + " " + failure.path + ": " +
+            plat::errorText(failure.error);
+  }
+  return text;
+}
+
+// Never destroyed, on purpose.
+std::vector<std::unique_ptr<GMA_Message>>& stuckMessages() {
+  static auto* messages = new std::vector<std::unique_ptr<GMA_Message>>;
+  return *messages;
+}
+
+}  // namespace
+
+Runner::Runner(PostOffices& postOffices, const Config& config, LOG_Logging& log)
+    : m_postOffices(postOffices),
+      m_config(config),
+      m_log(log),
+      m_terminal(plat::standardErrorIsTerminal()),
+      m_stuck(stuckMessages()) {}
+
+int Runner::run(bool once) {
+  plat::catchEndRequests();
+  do {
+    drainAll();
+    if (once || !m_stuck.empty()) {
+      break;
+    }
+    pause();
+  } while (!plat::endRequested());
+  for (PostOffice& office : m_postOffices.all()) {
+    unsigned int status = 0;
+    GENSwallow([&] { office.object->close(status); });
+  }
+  if (m_terminal) {
+    std::fputc('\n', stderr);
+  }
+  std::printf("fetched %lu, delivered %lu, kept %lu, failed %lu\n", m_counts.fetched,
+              m_counts.delivered, m_counts.kept, m_counts.failed);
+  return m_counts.failed == 0 ? Exit::done : Exit::inputOutput;
+}
+
+void Runner::drainAll() {
+  for (PostOffice& office : m_postOffices.all()) {
+    if (plat::endRequested() || !m_stuck.empty()) {
+      return;
+    }
+    drain(office);
+  }
+}
+
+void Runner::drain(PostOffice& office) {
+  unsigned int status = 0;
+  office.object->open(status);
+  if (status != 0) {
+    m_log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
+                    "Post office \"%s\" cannot be opened, status %u.", office.name.c_str(), status);
+    return;
+  }
+  while (office.object->isOpen() && !plat::endRequested() && m_stuck.empty()) {
+    unsigned int loadStatus = 0;
+    plat::clearFailure();
+    std::unique_ptr<GMA_Message> message(office.object->nextMessage(loadStatus));
+    if (!message) {
+      return;
+    }
+    ++m_counts.fetched;
+    handle(office, std::move(message), loadStatus);
+    showProgress();
+  }
+}
+
+void Runner::handle(PostOffice& office, std::unique_ptr<GMA_Message> message,
+                    unsigned int loadStatus) {
+  std::string why;
+  if (loadStatus != 0) {
+    keep(office, std::move(message), "it cannot be loaded, " + describe(loadStatus));
+  } else if (deliver(office, *message, why)) {
+    ++m_counts.delivered;
+  } else {
+    keep(office, std::move(message), "it cannot be delivered, " + why);
+  }
+}
+
+bool Runner::deliver(PostOffice& office, GMA_Message& message, std::string& why) {
+  unsigned int status = 0;
+  const auto failure = GENCatch([&] {
+    message.dumpContents(pairName(message).c_str());
+    message.setStandardAttributes();
+    PostOffice& target = m_postOffices.target(office);
+    if (&target == &office) {
+      message.storeMessage(status);
+    } else {
+      const std::unique_ptr<GMA_Message> copy(message.transferTo(*target.object));
+      copy->storeMessage(status);
+    }
+  });
+  if (failure) {
+    why = *failure;
+  } else if (status != 0) {
+    why = describe(status);
+  }
+  return !failure && status == 0;
+}
+
+void Runner::keep(PostOffice& office, std::unique_ptr<GMA_Message> message,
+                  const std::string& why) {
+  const std::string name = pairName(*message);
+  std::string failure;
+  if (keepCopy(*message, office.sourceDirectory, failure)) {
+    ++m_counts.kept;
+    m_log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
+                    "Message %s is kept in the receiver directory: %s.", name.c_str(), why.c_str());
+    return;
+  }
+  ++m_counts.failed;
+  m_log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
+                  "Message %s stays where it is: %s; no copy can be kept, %s.", name.c_str(),
+                  why.c_str(), failure.c_str());
+  m_stuck.push_back(std::move(message));
+}
+
+void Runner::showProgress() const {
+  if (!m_terminal) {
+    return;
+  }
+  constexpr unsigned long WIDTH = 40;
+  const unsigned long done = m_counts.fetched % (WIDTH + 1);
+  std::fprintf(stderr, "\r[%-*.*s] %lu messages", static_cast<int>(WIDTH), static_cast<int>(done),
+               "########################################", m_counts.fetched);
+}
+
+void Runner::pause() const {
+  constexpr unsigned int SLICE = 200;
+  const std::int64_t end =
+      plat::clock().monotonicMilliseconds() + std::int64_t{1000} * m_config.poll;
+  while (!plat::endRequested() && plat::clock().monotonicMilliseconds() < end) {
+    plat::sleepMilliseconds(SLICE);
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,46 @@
+// The main job: fetch, list, stamp, deliver, remove.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "gma/GMAMSG.h"
+#include "host/PostOffices.h"
+
+namespace host {
+
+struct Counts {
+  unsigned long fetched = 0;
+  unsigned long delivered = 0;
+  unsigned long kept = 0;    // a copy is in the receiver directory
+  unsigned long failed = 0;  // could be neither delivered nor kept: the pair stays
+};
+
+class Runner {
+ public:
+  Runner(PostOffices& postOffices, const Config& config, LOG_Logging& log);
+  // Drains all post offices once, or polls until the process is asked to end. The exit status.
+  int run(bool once);
+  const Counts& counts() const noexcept { return m_counts; }
+
+ private:
+  void drainAll();
+  void drain(PostOffice& office);
+  void handle(PostOffice& office, std::unique_ptr<GMA_Message> message, unsigned int loadStatus);
+  bool deliver(PostOffice& office, GMA_Message& message, std::string& why);
+  void keep(PostOffice& office, std::unique_ptr<GMA_Message> message, const std::string& why);
+  void showProgress() const;
+  void pause() const;
+
+  PostOffices& m_postOffices;
+  const Config& m_config;
+  LOG_Logging& m_log;
+  Counts m_counts;
+  bool m_terminal;
+  // Messages whose pairs must stay: destroying one would remove its pair, so none of them ever is;
+  // they live until the process ends.
+  std::vector<std::unique_ptr<GMA_Message>>& m_stuck;
+};
+
+}  // namespace host

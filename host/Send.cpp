@@ -1,0 +1,131 @@
+// Fills a new message and stores it.
+#include "host/Send.h"
+
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+
+#include "dac/DACMEMDA.h"
+#include "gen/GENCATCH.h"
+#include "gen/GENCODES.h"
+#include "gma/GMAMSG.h"
+#include "host/Exit.h"
+#include "plat/PlatError.h"
+#include "plat/PlatPath.h"
+
+namespace host {
+namespace {
+
+constexpr std::size_t BYTES_PER_LINE = 57;  // 76 characters of Base64, RFC 2045 section 6.8
+
+std::string readAll(std::istream& stream) {
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+std::string readFile(const std::string& path) {
+  std::ifstream file(plat::toNative(path), std::ios::binary);
+  std::string content = readAll(file);
+  if (!file) {
+    throw Error(inputOutput, path + " cannot be read.");
+  }
+  return content;
+}
+
+void encodeGroup(const unsigned char* bytes, std::size_t count, std::string& out) {
+  static constexpr char ALPHABET[] =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  const unsigned int b0 = bytes[0];
+  const unsigned int b1 = count > 1 ? bytes[1] : 0;
+  const unsigned int b2 = count > 2 ? bytes[2] : 0;
+  out += ALPHABET[b0 >> 2];
+  out += ALPHABET[(b0 & 3) << 4 | b1 >> 4];
+  out += count > 1 ? ALPHABET[(b1 & 15) << 2 | b2 >> 6] : '=';
+  out += count > 2 ? ALPHABET[b2 & 63] : '=';
+}
+
+std::string base64(const std::string& content) {
+  std::string out;
+  out.reserve(content.size() * 4 / 3 + content.size() / BYTES_PER_LINE * 2 + 8);
+  const auto* bytes = reinterpret_cast<const unsigned char*>(content.data());
+  for (std::size_t i = 0; i < content.size(); i += 3) {
+    encodeGroup(bytes + i, std::min<std::size_t>(3, content.size() - i), out);
+    if ((i + 3) % BYTES_PER_LINE == 0) {
+      out += "\r\n";
+    }
+  }
+  return out;
+}
+
+std::unique_ptr<DAC_MemoryDataAccess> inMemory(const std::string& content) {
+  auto data = std::make_unique<DAC_MemoryDataAccess>();
+  unsigned int status = 0;
+  data->write(static_cast<std::int32_t>(content.size()), content.data(), status);
+  if (status != 0) {
+    throw Error(inputOutput, "The content is too large, status " + std::to_string(status) + ".");
+  }
+  return data;
+}
+
+void addAddress(GMA_Message& message, std::uint32_t type, const std::string& text) {
+  const std::unique_ptr<GMA_Maddr> address(message.newAddress());
+  address->setType(type);
+  unsigned int status = 0;
+  address->parse(text.c_str(), status);
+  if (status != 0 && status != KRX_RELAYED_ADDRESS) {
+    throw Error(usage, "\"" + text + "\" is not an address.");
+  }
+  message.addAddress(*address);
+}
+
+void attach(GMA_Message& message, const std::string& path) {
+  auto data = inMemory(base64(readFile(path)));
+  const std::string name = path.substr(path.find_last_of("/\\") + 1);
+  data->setStringAttribute(dac::CONTENT_TITLE, name.c_str());
+  SCL_String quoted;
+  SCL_quote(name.data(), name.data() + name.size(), quoted);
+  data->setStringAttribute("Content-Type", SCL_String("application/octet-stream; name=") + quoted);
+  data->setStringAttribute("Content-Transfer-Encoding", "base64");
+  data->setStringAttribute("Content-Disposition", SCL_String("attachment; filename=") + quoted);
+  message.addItem(data.release(), false);
+}
+
+void fill(GMA_Message& message, const SendOptions& options) {
+  addAddress(message, gma::FROMADDR, options.from);
+  for (const std::string& to : options.to) {
+    addAddress(message, gma::TOADDR, to);
+  }
+  if (!options.subject.empty()) {
+    message.headers().add(GMA_Mhdr(gma::SUBJECT, options.subject.c_str()));
+  }
+  if (!options.bodyFile.empty()) {
+    const std::string text =
+        options.bodyFile == "-" ? readAll(std::cin) : readFile(options.bodyFile);
+    message.setBody(inMemory(text).release());
+  }
+  for (const std::string& path : options.attachments) {
+    attach(message, path);
+  }
+}
+
+}  // namespace
+
+int send(PostOffice& office, const SendOptions& options) {
+  const std::unique_ptr<GMA_Message> message(office.object->newMessage());
+  fill(*message, options);
+  unsigned int status = 0;
+  const auto failure = GENCatch([&] { message->storeMessage(status); });
+  if (failure || status != 0) {
+    const plat::Failure& last = plat::lastFailure();
+    throw Error(inputOutput, "The message cannot be delivered, " +
+                                 (failure ? *failure : "status " + std::to_string(status)) +
+                                 (last.error != 0 ? ", " + last.path + ": " +
+                                                        plat::errorText(last.error)
+                                                  : std::string()) +
+                                 ".");
+  }
+  return Exit::done;
+}
+
+}  // namespace host

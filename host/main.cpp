@@ -1,0 +1,175 @@
+// krxhost: a real, small host for the connector, what an operator runs and a host developer reads.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "gen/GENCATCH.h"
+#include "host/Config.h"
+#include "host/Exit.h"
+#include "host/List.h"
+#include "host/Log.h"
+#include "host/Module.h"
+#include "host/PostOffices.h"
+#include "host/Run.h"
+#include "host/Send.h"
+#include "host/Show.h"
+#include "pfa/PFAPROF.h"
+#include "plat/PlatFile.h"
+
+namespace host {
+namespace {
+
+// What a command over a configuration needs: the profile, the log, the module, the post offices.
+class Session {
+ public:
+  Session(const std::string& configFile, unsigned int terminalLevel) {
+    openProfile(m_profile, configFile);
+    m_config = readConfig(m_profile, configFile);
+    configureLog(terminalLevel);
+    m_module.emplace();
+    m_postOffices.emplace(*m_module, m_profile, m_config, m_log);
+  }
+  PostOffices& postOffices() { return *m_postOffices; }
+  const Config& config() const { return m_config; }
+  LOG_Logging& log() { return m_log; }
+  // Once all is configured, a configured log speaks alone.
+  void leaveTerminalToLog() {
+    if (!m_config.logSection.empty()) {
+      m_terminal->setMuted(true);
+    }
+  }
+
+ private:
+  void configureLog(unsigned int terminalLevel) {
+    if (!m_config.logSection.empty()) {
+      unsigned int status = 0;
+      m_log.configure(m_profile, m_config.logSection.c_str(), status);
+      if (status != 0) {
+        throw Error(configuration, "The log section \"" + m_config.logSection +
+                                       "\" cannot be used, status " + std::to_string(status) + ".");
+      }
+    }
+    auto terminal =
+        std::make_unique<TerminalStream>(TerminalStream::Output::error, terminalLevel);
+    m_terminal = terminal.get();
+    if (!attachToFreeSlot(m_log, std::move(terminal))) {
+      throw Error(configuration, "The log uses all of the streams 0 to 3; one must stay free.");
+    }
+  }
+
+  PFA_Profile m_profile;
+  Config m_config;
+  LOG_Logging m_log;
+  TerminalStream* m_terminal = nullptr;
+  std::optional<Module> m_module;
+  std::optional<PostOffices> m_postOffices;
+};
+
+// The log stays bound in the libraries until the process ends, and so does all that writes to it.
+Session& session(const std::string& configFile, unsigned int terminalLevel) {
+  static Session* theSession = nullptr;
+  theSession = new Session(configFile, terminalLevel);
+  return *theSession;
+}
+
+int runCommand(const std::string& configFile, bool once) {
+  Session& all = session(configFile, LOG_Logging::BRIEF);
+  all.postOffices().refuseRings();
+  all.postOffices().lockSources();
+  all.leaveTerminalToLog();
+  Runner runner(all.postOffices(), all.config(), all.log());
+  return runner.run(once);
+}
+
+int checkCommand(const std::string& configFile) {
+  Session& all = session(configFile, LOG_Logging::DEBUG);
+  all.postOffices().refuseRings();
+  if (plat::commitDisabled()) {
+    std::printf("Warning: KRX_COMMIT=0, mail is not brought to stable storage.\n");
+  }
+  std::printf("%zu post offices are configured.\n", all.config().postOffices.size());
+  return Exit::done;
+}
+
+int listCommand(const std::string& configFile, bool json) {
+  PFA_Profile profile;
+  openProfile(profile, configFile);
+  return list(profile, readConfig(profile, configFile), json);
+}
+
+int sendCommand(const std::string& configFile, const SendOptions& options) {
+  Session& all = session(configFile, LOG_Logging::BRIEF);
+  return send(all.postOffices().find(options.postOffice), options);
+}
+
+void addConfig(CLI::App& command, std::string& file) {
+  command.add_option("--config", file, "The profile that configures everything")->required();
+}
+
+int parseAndRun(int argc, char** argv) {
+  CLI::App app("A host for the mail connector: fetches pairs of spool files and delivers them.");
+  app.set_version_flag("--version", KRX_VERSION);
+  app.require_subcommand(1);
+  std::string config;
+  bool once = false;
+  bool json = false;
+  ShowOptions shown;
+  SendOptions sent;
+
+  CLI::App* run = app.add_subcommand("run", "Fetch, deliver and remove messages");
+  addConfig(*run, config);
+  run->add_flag("--once", once, "Drain what is there and end");
+  CLI::App* check = app.add_subcommand("check", "Check the configuration");
+  addConfig(*check, config);
+  CLI::App* list = app.add_subcommand("list", "List the waiting pairs");
+  addConfig(*list, config);
+  list->add_flag("--json", json, "As JSON");
+  CLI::App* show = app.add_subcommand("show", "Show what the connector makes of a pair");
+  show->add_flag("--json", shown.json, "The whole model as JSON");
+  show->add_option("--domain", shown.domain, "The mail domain")->capture_default_str();
+  show->add_option("--container", shown.containerClass, "The container class")
+      ->capture_default_str();
+  show->add_option("file", shown.envelope, "The envelope file (.RCP)")->required();
+  CLI::App* send = app.add_subcommand("send", "Deliver a message of one's own");
+  addConfig(*send, config);
+  send->add_option("--post-office", sent.postOffice, "The post office that delivers")->required();
+  send->add_option("--from", sent.from, "The sender")->required();
+  send->add_option("--to", sent.to, "A recipient; repeatable")->required();
+  send->add_option("--subject", sent.subject, "The subject");
+  send->add_option("--body", sent.bodyFile, "A file with the text; - is standard input");
+  send->add_option("--attach", sent.attachments, "A file to attach; repeatable");
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? Exit::done : Exit::usage;
+  }
+  if (*run) {
+    return runCommand(config, once);
+  }
+  if (*check) {
+    return checkCommand(config);
+  }
+  if (*list) {
+    return listCommand(config, json);
+  }
+  return *show ? host::show(shown) : sendCommand(config, sent);
+}
+
+}  // namespace
+}  // namespace host
+
+int main(int argc, char** argv) {
+  int result = host::Exit::inputOutput;
+  const auto failure = GENCatch([&] {
+    try {
+      result = host::parseAndRun(argc, argv);
+    } catch (const host::Error& error) {
+      std::fprintf(stderr, "krxhost: %s\n", error.what());
+      result = error.status();
+    }
+  });
+  if (failure) {
+    std::fprintf(stderr, "krxhost: %s\n", failure->c_str());
+  }
+  return result;
+}

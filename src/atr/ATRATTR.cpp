@@ -1,0 +1,101 @@
+// The attribute: a name and a value of either type.
+#include "atr/ATRATTR.h"
+
+#include <ostream>
+
+#include "gen/GENCATCH.h"
+#include "scl/SCLDUMP.h"
+
+namespace {
+
+// The caller owns the copy.
+SCL_String* newString(const SCL_StringRef& value) {
+  return GENMake<SCL_String>("ATRATTR", __LINE__, value).release();
+}
+
+}  // namespace
+
+ATR_Attribute::ATR_Attribute(const SCL_StringRef& name, const SCL_StringRef& value)
+    : m_name(name), m_type(STRING), m_string(newString(value)) {}
+
+ATR_Attribute::ATR_Attribute(const SCL_StringRef& name, std::uint32_t value)
+    : m_name(name), m_type(INTEGER), m_integer(value) {}
+
+ATR_Attribute::ATR_Attribute(const ATR_Attribute& other)
+    : m_name(other.m_name), m_type(INTEGER), m_integer(0) {
+  if (other.m_type == STRING) {
+    setString(*other.m_string);
+  } else {
+    m_integer = other.m_integer;
+  }
+}
+
+ATR_Attribute& ATR_Attribute::operator=(const ATR_Attribute& other) {
+  if (this == &other) {
+    return *this;
+  }
+  setName(other.m_name);
+  if (other.m_type == STRING) {
+    setString(*other.m_string);
+  } else {
+    setInteger(other.m_integer);
+  }
+  return *this;
+}
+
+ATR_Attribute::~ATR_Attribute() {
+  if (m_type == STRING) {
+    delete m_string;
+  }
+}
+
+void ATR_Attribute::setName(const SCL_StringRef& name) {
+  m_name = name;
+  if (m_renamed != nullptr) {
+    *m_renamed = true;
+  }
+}
+
+const SCL_String& ATR_Attribute::string() const {
+  if (m_type != STRING) {
+    GENAssertText("Attribute does not have a string value.", "ATRATTR", __LINE__);
+  }
+  return *m_string;
+}
+
+std::uint32_t ATR_Attribute::getInteger() const {
+  if (m_type != INTEGER) {
+    GENAssertText("Attribute does not have a integer value.", "ATRATTR", __LINE__);
+  }
+  return m_integer;
+}
+
+void ATR_Attribute::setString(const SCL_StringRef& value) {
+  if (m_type == STRING) {
+    *m_string = value;
+    return;
+  }
+  m_string = newString(value);  // before the type says so: this may throw
+  m_type = STRING;
+}
+
+void ATR_Attribute::setInteger(std::uint32_t value) noexcept {
+  if (m_type == STRING) {
+    delete m_string;
+  }
+  m_type = INTEGER;
+  m_integer = value;
+}
+
+void ATR_Attribute::dump(const SCL_StringRef& name, std::ostream& stream,
+                         SCL_DumpIndent& indent) const {
+  SCL_Dump dump(stream, indent, name, "ATR_Attribute", this);
+  dump.quoted("m_name", m_name);
+  if (m_type == INTEGER) {
+    dump.line() << "m_type = INTEGER;" << std::endl;
+    dump.line() << "m_integer = " << m_integer << ";" << std::endl;
+  } else {
+    dump.line() << "m_type = STRING;" << std::endl;
+    dump.quoted("*m_string", *m_string);
+  }
+}

@@ -1,0 +1,63 @@
+// Header lines as the connector writes them.
+#include "krx/krxlines.h"
+
+#include "krx/krxapi.h"
+#include "log/LOGGLB.h"
+#include "log/LOGLOG.h"
+#include "rfc/rfcwrite.h"
+#include "scl/SCLSTRTB.h"
+
+namespace {
+
+bool needsCare(std::string_view continuation) {
+  return !SCL_isBlank(SCL_firstChar(continuation)) || SCL_trimmed(continuation).empty();
+}
+
+}  // namespace
+
+void KRX_writeField(DAC_BaseDataAccess& stream, const SCL_StringRef& name,
+                    const SCL_StringTable& lines, unsigned int& status) {
+  std::uint16_t good = 1;
+  while (good < lines.count() && !needsCare(lines.get(good).view())) {
+    ++good;
+  }
+  if (good >= lines.count()) {
+    rfc_write_field_lines(stream, name, lines, status);
+    return;
+  }
+  SCL_StringTable safe(lines.count());
+  safe.add(lines.get(0));
+  for (std::uint16_t i = 1; i < lines.count(); ++i) {
+    SCL_String line = rfc_one_line(lines.get(i).view());
+    if (SCL_trimmed(line.view()).empty()) {
+      continue;
+    }
+    if (!SCL_isBlank(SCL_firstChar(line))) {
+      line.prepend(' ');
+    }
+    safe.add(std::move(line));
+  }
+  rfc_write_field_lines(stream, name, safe, status);
+}
+
+void KRX_writeBareLines(DAC_BaseDataAccess& stream, const SCL_StringTable& lines, bool skipBlank,
+                        unsigned int& status) {
+  SCL_StringTable safe(lines.count());
+  for (std::uint16_t i = 0; i < lines.count(); ++i) {
+    SCL_String line = rfc_one_line(lines.get(i).view());
+    const std::string_view text = SCL_trimmed(line.view());
+    if (skipBlank && text.empty()) {
+      continue;
+    }
+    if (text == "." && SCL_firstChar(line) == '.') {
+      line.prepend('.');
+    }
+    safe.add(std::move(line));
+  }
+  rfc_write_field_lines(stream, SCL_StringRef(), safe, status);
+}
+
+void KRX_logTooMany(const char* what) {
+  LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
+                            "Too many %s, the rest is left out.", what);
+}

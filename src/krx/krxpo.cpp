@@ -1,0 +1,78 @@
+// KRX_PostOffice: construction, fetching and new messages.
+#include "krx/krxpo.h"
+
+#include <new>
+
+#include "gen/GENCATCH.h"
+#include "gen/GENCODES.h"
+#include "gen/GENWNT.h"
+#include "krx/krxapi.h"
+#include "krx/krxmsg.h"
+#include "log/LOGGLB.h"
+#include "log/LOGLOG.h"
+#include "scl/SCLDUMP.h"
+
+KRX_PostOffice::KRX_PostOffice(GMA_POGroup* group, const SCL_StringRef& name)
+    : GMA_PostOffice(group, name), m_stuck(std::make_shared<KRX_StuckPairs>()) {}
+
+KRX_PostOffice::~KRX_PostOffice() = default;
+
+int KRX_PostOffice::type() { return 0; }
+
+void KRX_PostOffice::reservedHook(void* /*argument*/) {}
+
+KRX_MessageSettings KRX_PostOffice::messageSettings() const {
+  return {m_src_dir, m_dst_dir, m_dflt_domain, m_container_class, m_stuck};
+}
+
+GMA_Message* KRX_PostOffice::newMessage() {
+  auto* message = new (std::nothrow) KRX_Message(this, messageSettings());
+  if (message == nullptr) {
+    GENAssert(GEN_NULL_POINTER, "krxpo", __LINE__);
+  }
+  return message;
+}
+
+GMA_Message* KRX_PostOffice::nextMessage(unsigned int& status) {
+  if (status != 0) {
+    return nullptr;
+  }
+  std::optional<KRX_PairNames> pair;
+  {
+    const KRX_DirectoryLock lock(m_src_dir);
+    if (lock.isHeld()) {
+      pair = m_search.next(m_src_dir, *m_stuck);
+    }
+  }
+  if (!pair) {
+    return nullptr;
+  }
+  std::unique_ptr<KRX_Message> message(new (std::nothrow)
+                                           KRX_Message(this, *pair, messageSettings()));
+  if (!message) {
+    GENAssert(GEN_NULL_POINTER, "krxpo", __LINE__);
+  }
+  // Whatever a mail does to the loading, its message goes to the host: a pair that stayed here
+  // would be found again by every later call.
+  const auto failure = GENCatch([&] { message->loadMessage(status); });
+  if (failure) {
+    LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
+                              "Message %s could not be loaded, %s.", pair->envelope.c_str(),
+                              failure->c_str());
+    status = GEN_INTERNAL_ERROR;
+  } else if (status != 0) {
+    LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
+                              "Message %s could not be loaded, status %u.",
+                              pair->envelope.c_str(), status);
+  }
+  return message.release();
+}
+
+void KRX_PostOffice::dump(const SCL_StringRef& name, std::ostream& stream,
+                          SCL_DumpIndent& indent) const {
+  SCL_Dump dump(stream, indent, name, "KRX_PostOffice", this);
+  GMA_PostOffice::dump(name, stream, indent);
+  dump.quoted("m_src_dir", m_src_dir);
+  dump.quoted("m_dst_dir", m_dst_dir);
+  dump.quoted("m_dflt_domain", m_dflt_domain);
+}

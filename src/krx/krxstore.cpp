@@ -1,0 +1,150 @@
+// Delivery: the message file first, whole and on disk, then the envelope under the directory's
+// lock; so a reader never sees an envelope without its whole message. A guard owns the message file
+// until the envelope is complete.
+#include <memory>
+
+#include "dac/DACFILDA.h"
+#include "fl/FLSTATUS.h"
+#include "gen/GENCATCH.h"
+#include "gen/GENCODES.h"
+#include "krx/krxdraw.h"
+#include "krx/krxmsg.h"
+#include "plat/PlatFile.h"
+
+namespace {
+
+constexpr std::uint64_t ADDRESS_ESTIMATE = 100;
+constexpr std::uint64_t PART_ESTIMATE = 400;
+constexpr std::uint64_t CLUSTER = 4096;
+
+std::uint64_t wholeClusters(std::uint64_t bytes) {
+  return bytes / CLUSTER * CLUSTER + CLUSTER;
+}
+
+// The size that a part says it has, else its real one.
+std::uint64_t partSize(DAC_BaseDataAccess& data) {
+  std::uint32_t size = 0;
+  unsigned int status = 0;
+  data.getIntegerAttribute(dac::ATTACHMENT_SIZE, size, status);
+  if (status == 0) {
+    return size;
+  }
+  status = 0;
+  const std::int32_t real = data.size(status);
+  return real > 0 ? static_cast<std::uint64_t>(real) : 0;
+}
+
+constexpr unsigned int NEW_SPOOL_FILE =
+    DAC_FileDataAccess::CREATE | DAC_FileDataAccess::EXCLUSIVE | DAC_FileDataAccess::SPOOL;
+
+// To stable storage, and the checked close: what a destructor could not report.
+void finish(DAC_FileDataAccess& file, unsigned int& status) {
+  file.commit(status);
+  file.close(status);
+}
+
+}  // namespace
+
+// Owns the message file until its envelope is complete: removes it on every other way out.
+class KRX_Message::FileGuard {
+ public:
+  explicit FileGuard(SCL_String path) : m_path(std::move(path)) {}
+  FileGuard(FileGuard&& other) noexcept : m_path(std::move(other.m_path)) { other.keep(); }
+  FileGuard(const FileGuard&) = delete;
+  FileGuard& operator=(const FileGuard&) = delete;
+  ~FileGuard() {
+    if (m_owned) {
+      GENSwallow([this] { plat::remove(m_path.view()); });
+    }
+  }
+  void keep() noexcept { m_owned = false; }
+
+ private:
+  SCL_String m_path;
+  bool m_owned = true;
+};
+
+void KRX_Message::checkFreeSpace(unsigned int& status) {
+  if (status != 0) {
+    return;
+  }
+  const std::uint64_t addresses = m_addresses.count();
+  std::uint64_t content = 0;
+  for (unsigned int i = 0; i < partCount(); ++i) {
+    content += partSize(part(i)) + PART_ESTIMATE;
+  }
+  const std::uint64_t envelope = wholeClusters(ADDRESS_ESTIMATE * (addresses + 1));
+  const std::uint64_t message =
+      wholeClusters(ADDRESS_ESTIMATE * (addresses + 2ULL * m_headers.count()) + content);
+  std::uint64_t available = 0;
+  status = fl::freeSpace64(m_dst_dir, available);
+  if (status == 0 && available < envelope + message) {
+    status = KRX_FREE_SPACE;
+  }
+}
+
+void KRX_Message::storeMessage(unsigned int& status) {
+  if (status != 0) {
+    return;
+  }
+  KRX_NameDraw draw;
+  chooseFileNames(draw, status);
+  checkFreeSpace(status);
+  std::unique_ptr<DAC_FileDataAccess> file = createMessageFile(draw, status);
+  if (status != 0) {
+    return;
+  }
+  FileGuard guard(m_dst_dir + m_msg_file);
+  writeMessage(*file, status);
+  finish(*file, status);
+  file.reset();
+  completePair(guard, status);
+}
+
+// Somebody else may have taken the name since it was chosen; then another one is drawn.
+std::unique_ptr<DAC_FileDataAccess> KRX_Message::createMessageFile(KRX_NameDraw& draw,
+                                                                   unsigned int& status) {
+  while (status == 0) {
+    unsigned int created = 0;
+    auto file =
+        std::make_unique<DAC_FileDataAccess>(m_dst_dir + m_msg_file, NEW_SPOOL_FILE, created);
+    if (created == 0) {
+      return file;
+    }
+    if (created != DAC_EXISTS) {
+      status = KRX_MESSAGE_CREATE;
+      break;
+    }
+    forgetNames();
+    chooseFileNames(draw, status);
+  }
+  return nullptr;
+}
+
+// The envelope, under the lock, and both names to stable storage before it is released.
+void KRX_Message::completePair(FileGuard& messageFile, unsigned int& status) {
+  if (status != 0) {
+    return;
+  }
+  const KRX_DirectoryLock lock(m_dst_dir);
+  if (!lock.isHeld()) {
+    status = KRX_DEST_LOCKED;
+    return;
+  }
+  // Ends before the lock does: nobody may find the message file beside an unfinished envelope.
+  FileGuard guard(std::move(messageFile));
+  unsigned int created = 0;
+  DAC_FileDataAccess file(m_dst_dir + m_rcp_file, NEW_SPOOL_FILE, created);
+  if (created != 0) {
+    status = KRX_ENVELOPE_CREATE;
+    return;
+  }
+  writeEnvelope(file, status);
+  finish(file, status);
+  if (status == 0 && plat::commitDirectory(m_dst_dir.view()) != 0) {
+    status = DAC_FLUSH;
+  }
+  if (status == 0) {
+    guard.keep();
+  }
+}

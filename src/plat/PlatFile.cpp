@@ -1,0 +1,207 @@
+// Open files: opening with an access and a sharing mode, transfers at a position, commit, close.
+#include "plat/PlatFile.h"
+
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+
+#include "plat/PlatShare.h"
+#include "plat/PlatSystem.h"
+
+namespace plat {
+
+namespace {
+
+// Another process that tests a file holds a lease on it for a moment, in which a non-blocking open
+// is refused. Waiting that moment out must not become a failed load.
+constexpr int LEASE_ATTEMPTS = 50;
+
+bool writes(const OpenMode& mode) {
+  return mode.write || mode.append;
+}
+
+// O_TRUNC is not among them: a file that somebody holds must not be emptied before we know.
+int flagsOf(const OpenMode& mode) {
+  const int access = !writes(mode) ? O_RDONLY : mode.read ? O_RDWR : O_WRONLY;
+  int flags = access | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;  // a FIFO without a writer would block
+  flags |= mode.append ? O_APPEND : 0;
+  flags |= mode.noFollow ? O_NOFOLLOW : 0;
+  flags |= mode.create ? O_CREAT : 0;
+  flags |= mode.create && mode.exclusive ? O_EXCL : 0;
+  return flags;
+}
+
+int openOnce(const std::string& native, const OpenMode& mode) {
+  return repeatInterrupted(
+      [&] { return ::open(native.c_str(), flagsOf(mode), static_cast<mode_t>(mode.permissions)); });
+}
+
+// The descriptor, or -1 with errno.
+int openPatiently(const std::string& native, const OpenMode& mode) {
+  int descriptor = openOnce(native, mode);
+  const int attempts = mode.share == Share::all ? LEASE_ATTEMPTS : 1;
+  for (int attempt = 1; descriptor < 0 && errno == EWOULDBLOCK; ++attempt) {
+    if (attempt >= attempts) {
+      errno = EBUSY;
+      break;
+    }
+    ::poll(nullptr, 0, 1);
+    descriptor = openOnce(native, mode);
+  }
+  return descriptor;
+}
+
+// A missing file may stand there with its extension in the other letter case; `native` becomes the
+// name that was found.
+int openEither(std::string& native, const OpenMode& mode) {
+  const int descriptor = openPatiently(native, mode);
+  if (descriptor >= 0 || errno != ENOENT || !mode.otherCase || mode.create) {
+    return descriptor;
+  }
+  std::string other = withOtherCase(native);
+  const int second = other.empty() ? -1 : openPatiently(other, mode);
+  if (second < 0 && (other.empty() || errno == ENOENT)) {
+    errno = ENOENT;
+    return -1;
+  }
+  native = std::move(other);
+  return second;
+}
+
+int checkRegular(int descriptor) {
+  struct stat file {};
+  if (::fstat(descriptor, &file) < 0) {
+    return errno;
+  }
+  if (S_ISREG(file.st_mode)) {
+    return 0;
+  }
+  return S_ISDIR(file.st_mode) ? EISDIR : EINVAL;
+}
+
+// What is opened on purpose may be a terminal or a pipe, whose transfers are to wait.
+int makeBlocking(int descriptor) {
+  const int flags = ::fcntl(descriptor, F_GETFL);
+  return flags < 0 || ::fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) < 0 ? errno : 0;
+}
+
+// Everything that is asked of the file once it is open.
+int settle(int descriptor, const OpenMode& mode) {
+  if (const int error = mode.regularOnly ? checkRegular(descriptor) : makeBlocking(descriptor);
+      error != 0) {
+    return error;
+  }
+  if (const int error = testShare(descriptor, writes(mode), mode.share); error != 0) {
+    return error;
+  }
+  if (mode.truncate && repeatInterrupted([&] { return ::ftruncate(descriptor, 0); }) < 0) {
+    return errno;
+  }
+  return 0;
+}
+
+// The error number of an open that failed: a FIFO without a reader and a socket answer ENXIO.
+int openError(const OpenMode& mode) {
+  return errno == ENXIO && mode.regularOnly ? EINVAL : errno;
+}
+
+}  // namespace
+
+File::File(File&& other) noexcept
+    : m_descriptor(std::exchange(other.m_descriptor, -1)), m_path(std::move(other.m_path)) {}
+
+File& File::operator=(File&& other) noexcept {
+  if (this != &other) {
+    close();
+    m_descriptor = std::exchange(other.m_descriptor, -1);
+    m_path = std::move(other.m_path);
+  }
+  return *this;
+}
+
+File::~File() {
+  close();
+}
+
+int File::open(std::string_view path, const OpenMode& mode) {
+  close();
+  const NativePath native(path);
+  m_path = native.text();
+  Descriptor opened(openEither(m_path, mode));
+  const int error = opened.isOpen() ? settle(opened.get(), mode) : openError(mode);
+  if (error != 0) {
+    return m_path.empty() ? native.fail("open", error) : fail("open", m_path, error);
+  }
+  m_descriptor = opened.release();
+  return 0;
+}
+
+int File::readAt(std::int64_t position, void* buffer, std::size_t count, std::size_t& done) {
+  done = 0;
+  while (done < count) {
+    const ssize_t got = repeatInterrupted([&] {
+      return ::pread(m_descriptor, static_cast<char*>(buffer) + done, count - done,
+                     position + static_cast<off_t>(done));
+    });
+    if (got < 0) {
+      return fail("read", m_path, errno);
+    }
+    if (got == 0) {
+      break;
+    }
+    done += static_cast<std::size_t>(got);
+  }
+  return 0;
+}
+
+int File::writeAt(std::int64_t position, const void* data, std::size_t count) {
+  std::size_t done = 0;
+  while (done < count) {
+    const ssize_t put = repeatInterrupted([&] {
+      return ::pwrite(m_descriptor, static_cast<const char*>(data) + done, count - done,
+                      position + static_cast<off_t>(done));
+    });
+    if (put <= 0) {
+      return fail("write", m_path, put < 0 ? errno : EIO);
+    }
+    done += static_cast<std::size_t>(put);
+  }
+  return 0;
+}
+
+int File::size(std::int64_t& bytes) const {
+  struct stat file {};
+  if (::fstat(m_descriptor, &file) < 0) {
+    return fail("fstat", m_path, errno);
+  }
+  bytes = file.st_size;
+  return 0;
+}
+
+int File::setSize(std::int64_t bytes) {
+  const int result = repeatInterrupted([&] { return ::ftruncate(m_descriptor, bytes); });
+  return result < 0 ? fail("ftruncate", m_path, errno) : 0;
+}
+
+int File::commit() {
+  if (commitDisabled()) {
+    return 0;
+  }
+  const int result = repeatInterrupted([&] { return ::fsync(m_descriptor); });
+  return result < 0 ? fail("fsync", m_path, errno) : 0;
+}
+
+int File::close() {
+  if (m_descriptor < 0) {
+    return 0;
+  }
+  // The descriptor is gone whatever the answer; an interrupted close is not repeated, because the
+  // number may by then be somebody else's.
+  const int result = ::close(std::exchange(m_descriptor, -1));
+  return result < 0 && errno != EINTR ? fail("close", m_path, errno) : 0;
+}
+
+}  // namespace plat

@@ -1,0 +1,248 @@
+// Content in files: opening, the window, gathered writes, and the copy to a file.
+#include "dac/DACFILST.h"
+
+#include <csignal>
+
+#include <sys/resource.h>
+
+#include "dac/Content.h"
+#include "dac/DACFILDA.h"
+#include "dac/DACTOFIL.h"
+#include "gen/GENCODES.h"
+#include "plat/PlatClock.h"
+
+namespace {
+
+using File = DAC_FileDataAccess;
+
+class FileTest : public DirectoryTest {
+ protected:
+  FileTest() {
+    setenv("KRX_REGISTRY", path("registry.db").c_str(), 1);
+    setenv("KRX_RUN_DIR", m_directory.c_str(), 1);
+  }
+
+  unsigned int statusOf(const std::string& name, unsigned int flags) {
+    unsigned int status = 0;
+    const File file(path(name).c_str(), flags, status);
+    return status;
+  }
+  void put(DAC_BaseDataAccess& object, std::string_view bytes) {
+    object.write(static_cast<std::int32_t>(bytes.size()), bytes.data(), m_status);
+  }
+
+  unsigned int m_status = 0;
+};
+
+TEST_F(FileTest, OpenTellsWhatTheNameIs) {
+  makeFile("there", "x");
+  EXPECT_EQ(statusOf("there", 0), 0U);
+  EXPECT_EQ(statusOf("missing", 0), DV_NOT_FOUND);
+  EXPECT_EQ(statusOf("t*", 0), DV_NO_MATCH);
+  EXPECT_EQ(statusOf("*/there", 0), DV_PATTERN);
+  EXPECT_EQ(statusOf("", 0), DV_PATTERN);
+  EXPECT_EQ(statusOf("", File::CREATE), DV_PATTERN);
+}
+
+TEST_F(FileTest, CreateOpensWhatExistsUnlessItMustNot) {
+  EXPECT_EQ(statusOf("new", File::CREATE | File::EXCLUSIVE), 0U);
+  EXPECT_EQ(statusOf("new", File::CREATE), 0U);
+  EXPECT_EQ(statusOf("new", File::CREATE | File::EXCLUSIVE), DAC_EXISTS);
+  std::filesystem::create_symlink(path("nowhere"), path("link"));
+  EXPECT_EQ(statusOf("link", File::CREATE | File::EXCLUSIVE), DAC_EXISTS);
+  EXPECT_FALSE(exists("nowhere"));
+}
+
+TEST_F(FileTest, SpoolFilesAreNoLinksAndKeepTheirMode) {
+  EXPECT_EQ(statusOf("spool", File::CREATE | File::SPOOL), 0U);
+  EXPECT_EQ(statusOf("log", File::CREATE | File::LOG_FILE), 0U);
+  const auto mode = [&](const char* name) {
+    return static_cast<unsigned>(std::filesystem::status(path(name)).permissions());
+  };
+  EXPECT_EQ(mode("spool") & 07U, 0U);
+  EXPECT_EQ(mode("log") & 027U, 0U);
+  std::filesystem::create_symlink(path("spool"), path("link"));
+  EXPECT_EQ(statusOf("link", 0), 0U);
+  EXPECT_EQ(statusOf("link", File::SPOOL), DAC_OPEN);
+}
+
+TEST_F(FileTest, NameIsTakenApartIntoAttributes) {
+  const std::string name = makeFile("a.txt", "x");
+  File file(name.c_str(), 0, m_status);
+  SCL_String title;
+  SCL_String whole;
+  file.getStringAttribute(dac::CONTENT_TITLE, title, m_status);
+  file.getStringAttribute(dac::CONTENT_PATH, whole, m_status);
+  EXPECT_EQ(title, SCL_StringRef("a.txt"));
+  EXPECT_EQ(whole, SCL_StringRef(plat::fromNative(name).c_str()));
+}
+
+TEST_F(FileTest, OtherLetterCaseIsFoundAndDeleted) {
+  makeFile("a.msg", "x");
+  EXPECT_EQ(statusOf("a.MSG", 0), DV_NOT_FOUND);
+  EXPECT_EQ(statusOf("b.MSG", File::OTHER_CASE), DV_NOT_FOUND);
+  EXPECT_EQ(statusOf("a.MSG", File::OTHER_CASE | File::DELETE_ON_CLOSE), 0U);
+  EXPECT_FALSE(exists("a.msg"));
+  makeFile("c.msg", "x");
+  EXPECT_EQ(statusOf("c.MSG", File::CREATE | File::EXCLUSIVE), 0U);
+  EXPECT_TRUE(exists("c.msg") && exists("c.MSG"));
+}
+
+TEST_F(FileTest, MoreThanPositionsReachIsRefused) {
+  std::filesystem::resize_file(makeFile("big", ""), 2147483648);
+  EXPECT_EQ(statusOf("big", 0), DAC_OPEN);
+  File growing(makeFile("growing", "").c_str(), 0, m_status);
+  std::filesystem::resize_file(path("growing"), 2147483648);
+  EXPECT_EQ(growing.size(m_status), 0);
+  EXPECT_EQ(m_status, DAC_SEEK);
+}
+
+TEST_F(FileTest, CreatedFileIsWrittenInPlace) {
+  File file(path("f").c_str(), File::CREATE, m_status);
+  put(file, "hello");
+  file.setPosition(1, m_status);
+  put(file, "u");
+  file.setPosition(7, m_status);
+  file.fill(100, '.', m_status);
+  EXPECT_EQ(contentOf(file), std::string("hullo\0\0", 7) + std::string(100, '.'));
+  file.setSize(2, m_status);
+  EXPECT_EQ(contentOf(file), "hu");
+  EXPECT_EQ(m_status, 0U);
+}
+
+TEST_F(FileTest, OpenedFileIsAppendedTo) {
+  File file(makeFile("f", "abc").c_str(), 0, m_status);
+  put(file, "X");
+  EXPECT_EQ(file.getPosition(), 1);
+  EXPECT_EQ(contentOf(file), "abcX");
+  MemoryAccess source("HELLO");
+  source.copyTo(&file, 0, m_status);
+  EXPECT_EQ(contentOf(file), "abcXHELLO");
+  EXPECT_EQ(m_status, 0U);
+}
+
+TEST_F(FileTest, ReadOnlyFileRefusesWrites) {
+  File file(makeFile("f", "abc").c_str(), File::READ_ONLY, m_status);
+  put(file, "X");
+  EXPECT_EQ(m_status, DAC_WRITE);
+  m_status = 0;
+  file.setSize(0, m_status);
+  EXPECT_EQ(m_status, DAC_SET_SIZE);
+  EXPECT_EQ(contentOf(file), "abc");
+}
+
+TEST_F(FileTest, GatheredWritesReachOthersAtFlush) {
+  File file(path("f").c_str(), File::CREATE, m_status);
+  put(file, "abc");
+  EXPECT_EQ(fileContent("f"), "");
+  file.flush(m_status);
+  EXPECT_EQ(fileContent("f"), "abc");
+}
+
+TEST_F(FileTest, GrowthByOthersIsSeenAtTheEndOfTheWindow) {
+  File file(makeFile("f", "abc\n").c_str(), 0, m_status);
+  EXPECT_EQ(linesOf(file, 9), "abc/0@4 /10016@4 ");
+  std::ofstream(path("f"), std::ios::app) << "de";
+  EXPECT_EQ(linesOf(file, 9), "de/0@6 /10016@6 ");
+}
+
+TEST_F(FileTest, BlocksOfAllSizesComeBackInOrder) {
+  File file(path("f").c_str(), File::CREATE, m_status);
+  std::string expected;
+  for (const std::size_t size : {1U, 65535U, 2U, 65536U, 200000U, 7U}) {
+    const std::string block(size, static_cast<char>('a' + expected.size() % 26));
+    put(file, block);
+    expected += block;
+  }
+  EXPECT_TRUE(contentOf(file) == expected);
+  file.close(m_status);
+  EXPECT_EQ(m_status, 0U);
+  EXPECT_TRUE(fileContent("f") == expected);
+  EXPECT_EQ(file.size(m_status), 0);
+  EXPECT_EQ(m_status, DAC_SEEK);
+}
+
+// Runs in a child: the limit holds for the process.
+[[noreturn]] void writeBeyondTheLimit(const std::string& first, const std::string& second) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit limit = {.rlim_cur = 1000, .rlim_max = 1000};
+  setrlimit(RLIMIT_FSIZE, &limit);
+  unsigned int status = 0;
+  File file(first.c_str(), File::CREATE, status);
+  file.fill(1001, 'x', status);
+  const unsigned int accepted = std::exchange(status, 0);
+  file.flush(status);
+  const unsigned int flushed = std::exchange(status, 0);
+  file.close(status);
+  const unsigned int closed = std::exchange(status, 0);
+  MemoryAccess source(std::string(1001, 'x'));
+  dac::copyToFile(&source, second.c_str(), status);
+  std::fprintf(stderr, "%u %u %u %u", accepted, flushed, closed, status);
+  std::exit(0);
+}
+
+TEST_F(FileTest, FullDiskIsToldAtFlushAndClose) {
+  EXPECT_EXIT(writeBeyondTheLimit(path("f"), path("g")), testing::ExitedWithCode(0),
+              "0 10034 10022 472");
+}
+
+// Gives its first bytes, then fails as a file does.
+class FailingStream : public PartlyReadyStream {
+ public:
+  FailingStream() : PartlyReadyStream(0, true) {}
+  std::int32_t read(std::int32_t& position, std::int32_t count, void* buffer,
+                    unsigned int& status) override {
+    if (status == 0 && position >= 5) {
+      status = DAC_READ;
+    }
+    return DAC_MemoryStream::read(position, std::min(count, 5), buffer, status);
+  }
+};
+
+TEST_F(FileTest, CopyThatCannotBeReadLeavesANote) {
+  StreamAccess object(new FailingStream, "0123456789");
+  dac::copyToFile(&object, makeFile("f", "what was there before").c_str(), m_status);
+  EXPECT_EQ(m_status, DAC_READ);
+  EXPECT_EQ(fileContent("f"), "01234");
+  SCL_String note;
+  m_status = 0;
+  object.getStringAttribute(dac::BAD_DATA, note, m_status);
+  EXPECT_EQ(note, SCL_StringRef("Status error 10021 reading from stream."));
+  char name[260] = "";
+  object.getFileName(sizeof name, name, m_status);
+  EXPECT_EQ(m_status, DAC_READ);
+  m_status = 0;
+  dac::copyToFile(&object, path("missing/f").c_str(), m_status);
+  EXPECT_EQ(m_status, DACTOFIL_OPEN);
+}
+
+TEST_F(FileTest, FileNameIsMadeOnceAndGoesWithTheObject) {
+  const std::string bytes(40000, 'x');
+  char first[260] = "";
+  char second[260] = "";
+  {
+    MemoryAccess object(bytes);
+    object.getFileName(sizeof first, first, m_status);
+    object.setSize(0, m_status);
+    object.getFileName(static_cast<std::int32_t>(std::strlen(first)) + 1, second, m_status);
+    EXPECT_EQ(m_status, 0U);
+    EXPECT_STREQ(first, second);
+    const std::string native = plat::toNative(first);
+    EXPECT_EQ(std::filesystem::file_size(native), bytes.size());
+    EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(native).permissions()), 0600U);
+    object.getFileName(static_cast<std::int32_t>(std::strlen(first)), second, m_status);
+    EXPECT_EQ(m_status, DAC_PATH_TOO_LONG);
+  }
+  EXPECT_FALSE(std::filesystem::exists(plat::toNative(first)));
+}
+
+TEST_F(FileTest, DeletingDoesNotWaitInVain) {
+  plat::ManualClock clock({1000, 0});
+  plat::Clock* before = plat::setClock(&clock);
+  dac::deleteFilePatiently(m_directory.c_str());
+  dac::deleteFilePatiently(path("missing").c_str());
+  EXPECT_EQ(clock.monotonicMilliseconds(), 0);
+  plat::setClock(before);
+}
+
+}  // namespace

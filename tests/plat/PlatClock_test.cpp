@@ -1,0 +1,38 @@
+// The clock that stands still, and the replacing of the process's clock.
+#include "plat/PlatClock.h"
+
+#include <ctime>
+
+#include "plat/Scene.h"
+
+namespace {
+
+TEST(PlatClock, ManualClockMovesOnlyWhenItIsMovedOrSleptOn) {
+  plat::ManualClock manual({100, 900});
+  plat::Clock* before = plat::setClock(&manual);
+  plat::sleepMilliseconds(250);
+  EXPECT_EQ(plat::now().seconds, 101);
+  EXPECT_EQ(plat::now().milliseconds, 150);
+  manual.advance(-1200);
+  EXPECT_EQ(plat::now().seconds, 99);
+  EXPECT_EQ(plat::now().milliseconds, 950);
+  EXPECT_EQ(plat::clock().monotonicMilliseconds(), -950);
+  EXPECT_EQ(plat::setClock(before), &manual);
+  EXPECT_GT(plat::now().seconds, 1'000'000'000) << "the system's clock is back";
+}
+
+TEST(PlatClock, LocalTimeIsInTheZoneOfTheProcess) {
+  scene::elsewhere([] {
+    ::setenv("TZ", "XYZ-2", 1);
+    ::tzset();
+    plat::ManualClock manual({883'954'800, 7});  // 1998-01-04 23:00 UTC
+    plat::setClock(&manual);
+    plat::LocalTime t;
+    EXPECT_TRUE(plat::localNow(t));
+    EXPECT_EQ(t.year * 10000 + t.month * 100 + t.day, 19980105);
+    EXPECT_EQ(((t.hour * 100 + t.minute) * 100 + t.second) * 1000 + t.millisecond, 10000007);
+    EXPECT_FALSE(plat::clock().toLocal({INT64_MAX, 0}, t)) << "a year that no calendar holds";
+  });
+}
+
+}  // namespace

@@ -1,0 +1,188 @@
+// The vocabulary of these tests: a directory of their own, environment variables for a while,
+// other processes, and a kernel that refuses a call.
+#pragma once
+
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+#include <linux/audit.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "plat/PlatError.h"
+
+namespace scene {
+
+// A directory that goes with the test; readable for everybody, whatever the umask.
+class Directory : public testing::Test {
+ protected:
+  Directory() {
+    std::string name = testing::TempDir() + "/platXXXXXX";
+    m_path = ::mkdtemp(name.data());
+    std::filesystem::permissions(m_path, std::filesystem::perms(0755));
+  }
+  ~Directory() override { std::filesystem::remove_all(m_path); }
+
+  std::string at(const std::string& name) const { return m_path + "/" + name; }
+  std::string make(const std::string& name, const std::string& content = "text") const {
+    std::ofstream(at(name)) << content;
+    return at(name);
+  }
+  std::string content(const std::string& name) const {
+    std::ifstream file(at(name));
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  const std::string& path() const { return m_path; }
+
+ private:
+  std::string m_path;
+};
+
+class Environment {
+ public:
+  Environment(const char* name, const std::string& value) : m_name(name) {
+    if (const char* before = std::getenv(name); before != nullptr) {
+      m_before = before;
+    }
+    ::setenv(name, value.c_str(), 1);
+  }
+  Environment(const Environment&) = delete;
+  Environment& operator=(const Environment&) = delete;
+  ~Environment() { m_before ? ::setenv(m_name, m_before->c_str(), 1) : ::unsetenv(m_name); }
+
+ private:
+  const char* m_name;
+  std::optional<std::string> m_before;
+};
+
+// A process that has done `work` when the constructor returns and then stands still until it is
+// killed, at the latest with this object.
+class Process {
+ public:
+  explicit Process(const std::function<void()>& work) {
+    int ready[2];
+    EXPECT_EQ(::pipe2(ready, O_CLOEXEC), 0);
+    m_id = ::fork();
+    if (m_id == 0) {
+      ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+      work();
+      EXPECT_EQ(::write(ready[1], "!", 1), 1);
+      for (;;) {
+        ::pause();
+      }
+    }
+    char signal = 0;
+    ::close(ready[1]);
+    EXPECT_EQ(::read(ready[0], &signal, 1), 1);
+    ::close(ready[0]);
+  }
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+  ~Process() { kill(); }
+
+  void kill() {
+    if (m_id > 0) {
+      ::kill(std::exchange(m_id, -1), SIGKILL);
+      ::wait(nullptr);
+    }
+  }
+
+ private:
+  pid_t m_id = -1;
+};
+
+// Starts a process that does `work`, expectations included; end() gives its exit code.
+class Work {
+ public:
+  explicit Work(const std::function<void()>& work) {
+    std::fflush(nullptr);
+    m_id = ::fork();
+    if (m_id == 0) {
+      ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+      work();
+      std::fflush(nullptr);
+      ::_exit(testing::Test::HasFailure() ? 1 : 0);
+    }
+  }
+  bool isRunning() { return ::waitpid(m_id, &m_result, WNOHANG) == 0; }
+  int end() {
+    if (m_id > 0 && m_result == -1) {
+      ::waitpid(m_id, &m_result, 0);
+    }
+    return WIFSIGNALED(m_result) ? 128 + WTERMSIG(m_result) : WEXITSTATUS(m_result);
+  }
+
+ private:
+  pid_t m_id = -1;
+  int m_result = -1;
+};
+
+constexpr int CANNOT = 77;
+
+// The test is about what `work` finds in a process of its own. Skipped where the machine does not
+// let that process make its scene.
+inline void elsewhere(const std::function<void()>& work) {
+  if (const int code = Work(work).end(); code == CANNOT) {
+    GTEST_SKIP() << "this machine does not allow the scene";
+  } else {
+    EXPECT_EQ(code, 0);
+  }
+}
+
+// For processes of their own only.
+inline void require(bool possible) {
+  if (!possible) {
+    ::_exit(CANNOT);
+  }
+}
+
+// From now on the kernel answers `call` with `error` (when its argument of this index has that
+// value, if one is given).
+inline void refuse(unsigned int call, int error, std::optional<unsigned int> argument = {},
+                   unsigned int value = 0) {
+  const auto no = static_cast<unsigned int>(SECCOMP_RET_ERRNO) | static_cast<unsigned int>(error);
+  const unsigned int at =
+      static_cast<unsigned int>(offsetof(struct seccomp_data, args)) + 8 * argument.value_or(0);
+  struct sock_filter program[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(struct seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 3),
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, at),
+      BPF_JUMP(BPF_JMP | (argument ? BPF_JEQ : BPF_JGE) | BPF_K, value, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, no),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  };
+  const struct sock_fprog filter { static_cast<unsigned short>(std::size(program)), program };
+  require(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+          ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0);
+}
+
+// A small file system in memory at `path`, gone with the process.
+inline void mountSmall(const std::string& path, unsigned long flags = 0) {
+  require(::unshare(CLONE_NEWNS) == 0 &&
+          ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+          ::mount("small", path.c_str(), "tmpfs", flags, "size=64k") == 0);
+}
+
+// Another user, without any capability.
+inline void becomeUser(unsigned int user) {
+  require(::setresgid(user, user, user) == 0 && ::setresuid(user, user, user) == 0);
+}
+
+}  // namespace scene

@@ -1,0 +1,176 @@
+// Tests of the decoders, among them one against the rules taken word by word.
+#include "rfc/rfccodec.h"
+
+#include <gtest/gtest.h>
+
+#include "rfc/RFCB64Da.h"
+#include "rfc/RFCQprDa.h"
+#include "rfc/Support.h"
+#include "scl/Failure.h"
+
+using namespace rfctest;
+
+namespace {
+
+// What the child of a view holds, and the note on the view.
+template <class View>
+std::string childOf(const DAC_BaseDataAccess& source, std::int32_t start = 0,
+                    std::int32_t limit = RFC_View::NO_LIMIT) {
+  View view(source, start, limit);
+  unsigned int status = 0;
+  DAC_BaseDataAccess* child = view.getChild(0, status);
+  if (child == nullptr) {
+    return "status " + std::to_string(status);
+  }
+  EXPECT_EQ(view.getChild(0, status), child);
+  EXPECT_EQ(child->findAttribute("AttachmentSize")->getInteger(), contentOf(*child).size());
+  SCL_String badData;
+  view.getStringAttribute("BadData", badData, status);
+  return contentOf(*child) + (badData.isEmpty() ? "" : " !") + badData.c_str();
+}
+
+std::string quotedPrintable(const std::string& text) {
+  return childOf<RFCQprDa>(*inMemory(text));
+}
+
+std::string base64(const std::string& text) {
+  return childOf<RFCB64Da>(*inMemory(text));
+}
+
+constexpr char OPEN_ESCAPE[] = " !Quoted-Printable, Insufficient data";
+constexpr char OPEN_GROUP[] = " !Base 64 encoding incorrectly terminated.";
+constexpr char BAD_GROUP[] = " !Base64 Invalid Data/2";
+
+// The rules of quoted-printable, byte by byte over the whole range.
+std::string slowQuotedPrintable(const std::string& in) {
+  const std::string digits = "0123456789ABCDEF0123456789abcdef";
+  std::string out;
+  for (std::size_t i = 0; i < in.size();) {
+    const bool isEscape = in[i] == '=';
+    const std::size_t first =
+        isEscape && i + 1 < in.size() ? digits.find(in[i + 1]) : std::string::npos;
+    const bool needsThird = first != std::string::npos || in.compare(i, 2, "=\r") == 0;
+    if (isEscape && i + (needsThird ? 2 : 1) >= in.size()) {
+      return out + OPEN_ESCAPE;
+    }
+    const std::size_t second =
+        first != std::string::npos ? digits.find(in[i + 2]) : std::string::npos;
+    if (in.compare(i, 2, "=\r") == 0) {
+      i += 3;
+    } else if (second != std::string::npos) {
+      out += static_cast<char>(first % 16 * 16 + second % 16);
+      i += 3;
+    } else {
+      out += in[i++];
+    }
+  }
+  return out;
+}
+
+// The rules of Base64: collect, fill up, decode group by group.
+std::string slowBase64(const std::string& in) {
+  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string out;
+  std::string collected;
+  std::string problem;
+  for (const char c : in) {
+    collected += c == '=' || alphabet.find(c) != std::string::npos ? std::string(1, c) : "";
+  }
+  const bool isOpen = collected.size() % 4 != 0;
+  collected.resize((collected.size() + 3) / 4 * 4, '=');
+  for (std::size_t i = 0; i < collected.size(); i += 4) {
+    const std::string group = collected.substr(i, 4);
+    problem = isOpen && i + 4 == collected.size() ? OPEN_GROUP : problem;
+    if (group[0] == '=' || group[1] == '=') {
+      problem = BAD_GROUP;
+      continue;
+    }
+    std::size_t bits = 0;
+    for (const char c : group) {
+      bits = bits * 64 + (c == '=' ? 0 : alphabet.find(c));
+    }
+    const std::size_t size = group[2] == '=' ? 1 : group[3] == '=' ? 2 : 3;
+    for (std::size_t k = 0; k < size; ++k) {
+      out += static_cast<char>(bits >> (16 - 8 * k) & 0xFF);
+    }
+  }
+  return out + problem;
+}
+
+TEST(QuotedPrintable, EscapesAreDecoded) {
+  EXPECT_EQ(quotedPrintable("a=3Db=3db=e9\r\n \xE9"), "a=b=b\xE9\r\n \xE9");
+  EXPECT_EQ(quotedPrintable("abc=\r\ndef=\rXg"), "abcdefg");
+}
+
+TEST(QuotedPrintable, WhatIsNoEscapeStays) {
+  EXPECT_EQ(quotedPrintable("a=XY a=3X =\nb"), "a=XY a=3X =\nb");
+  EXPECT_EQ(quotedPrintable("==41=4=41"), "=A=4A");
+}
+
+TEST(QuotedPrintable, ARangeThatEndsInAnEscapeIsNoted) {
+  for (const char* open : {"abc=4", "abc=", "abc=\r"}) {
+    EXPECT_EQ(quotedPrintable(open), std::string("abc") + OPEN_ESCAPE);
+  }
+  EXPECT_EQ(childOf<RFCQprDa>(*inMemory("abc=41"), 1, 4), std::string("bc") + OPEN_ESCAPE);
+}
+
+TEST(QuotedPrintable, FollowsTheRulesWhereverPiecesEnd) {
+  Dice dice(3);
+  const std::string run(5000, 'x');
+  for (int round = 0; round < 3000; ++round) {
+    const std::string text =
+        dice.text({"=", "\r", "\n", "4", "f", "A", "g", "=3D", "plain text", "\xE9", run}, 30);
+    const std::string expected = slowQuotedPrintable(text);
+    EXPECT_EQ(quotedPrintable(text), expected) << text;
+    EXPECT_EQ(childOf<RFCQprDa>(*inBlocks(text, dice.below(5))), expected) << text;
+  }
+}
+
+TEST(Base64, GroupsAreDecoded) {
+  EXPECT_EQ(base64("TWFuTWE=TQ==TQ=x"), "ManMaMM");
+  EXPECT_EQ(base64("TW\r\nFu \x80-T\r\nWFu"), "ManMan");
+}
+
+TEST(Base64, ProblemsCostTheirOwnGroup) {
+  EXPECT_EQ(base64("TWF"), std::string("Ma") + OPEN_GROUP);
+  EXPECT_EQ(base64("=AAATWFu"), std::string("Man") + BAD_GROUP);
+  EXPECT_EQ(base64("TWFuT"), std::string("Man") + BAD_GROUP);
+}
+
+TEST(Base64, FollowsTheRulesWhereverLinesEnd) {
+  Dice dice(4);
+  const std::string longLine(1021, 'Q');
+  for (int round = 0; round < 3000; ++round) {
+    const std::string text = dice.text({"T", "WFu", "=", "TWFu", "\r\n", "\n", " ", "-", "/+9",
+                                        longLine, std::string_view("\0", 1)},
+                                       30);
+    const std::string expected = slowBase64(text);
+    EXPECT_EQ(base64(text), expected) << text;
+    EXPECT_EQ(childOf<RFCB64Da>(*inBlocks(text, dice.below(5))), expected) << text;
+  }
+}
+
+TEST(Base64, TheLineThatCrossesTheRangesEndIsReadWhole) {
+  EXPECT_EQ(childOf<RFCB64Da>(*inMemory("TWFu\r\nTWFu\r\nTWFu"), 6, 1), "Man");
+  EXPECT_EQ(childOf<RFCB64Da>(*inMemory("TWFu"), 9), "");
+}
+
+TEST(Base64, ASuppressedBodyIsNotDecoded) {
+  EXPECT_EQ(base64("(Message body suppressed.)\r\n\r\n"), "");
+  EXPECT_EQ(base64(std::string(600, '-') + "Message body suppressed\r\n\r\n"), "");
+  EXPECT_EQ(childOf<RFCB64Da>(*inMemory("x\nMessage body suppressed\n\n"), 2), "");
+  EXPECT_NE(base64("Message body suppressed\r\n"), "");
+  EXPECT_NE(base64("Message body suppressed\r\n\r\nTWFu"), "");
+  EXPECT_NE(base64("Message body suppressed\r\nTWFu\r\n"), "");
+}
+
+TEST(Decoders, AFailingStreamMakesNoChildAndNoDestinationIsRefused) {
+  const std::string text = "TWFu\r\nTWFu\r\n";
+  EXPECT_EQ(childOf<RFCB64Da>(*inBlocks(text, 0, 6)), "status 10021");
+  EXPECT_EQ(childOf<RFCQprDa>(*inBlocks(text, 0, 6)), "status 10021");
+  unsigned int status = 0;
+  EXPECT_EQ(failureOf([&] { rfc_b64_decode(*inMemory(""), nullptr, 0, 0, status); }),
+            "Null pointer in rfcb64");
+}
+
+}  // namespace

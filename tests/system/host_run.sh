@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# krxhost run: every sample pair goes in and comes out; what cannot be loaded is kept; nothing stays.
+. "$(dirname "$0")/common.sh"
+mkdir -p "$spool"/{internet,office}/{in,out} "$spool/log"
+sed "s|@SPOOL@|$spool|g" "$source/examples/krxhost.ini" >"$spool/example.ini"
+cp "$source"/examples/spool/* "$spool/internet/in/"
+put "$spool/office/in" BACK01
+put "$spool/office/in" BAD01 "" $'no field here'
+put "$spool/office/in" BAD02 "" $'Return-path: <>\nRecipient: a@b'
+pairs=$(ls "$source"/examples/spool/*.RCP | wc -l)
+
+expect_status 0 "$krxhost" run --config "$spool/example.ini" --once
+expect_output "fetched $((pairs + 3)), delivered $((pairs + 1)), kept 2, failed 0"
+[ "$(ls "$spool"/office/out/*.RCP | wc -l)" -eq $((pairs + 1)) ] || fail "pairs in office/out"
+expect_files "$spool/internet/in"
+expect_files "$spool/internet/out"
+expect_files "$spool/office/in" QDXRECVR
+expect_files "$spool/office/in/QDXRECVR" BAD01.MSG BAD01.RCP BAD02.MSG BAD02.RCP
+
+# Nothing is changed but what has to be: a repaired type, a missing date or sender.
+for message in "$source"/examples/spool/*.MSG; do
+  name=$(basename "$message")
+  changed=$(diff -a "$message" "$spool/office/out/$name" | grep -a '^[<>]' | tr -d '\r')
+  case $name in
+    REPAIR*) [ "$(grep -c 'Content-Type' <<<"$changed")" -eq 2 ] || fail "$name: $changed" ;;
+    *) [ -z "$changed" ] || fail "$name: $changed" ;;
+  esac
+done
+log=$(cat "$spool"/log/main*.log)
+grep -q "Message BAD01.RCP could not be loaded, status 11981." <<<"$log" || fail "no log line: $log"
+grep -q "Message BAD02.RCP could not be loaded, status 10132." <<<"$log" || fail "no log line: $log"
+grep -q 'Contents of "PLAIN01.RCP"' "$spool"/log/contents*.log || fail "no contents listing"
+
+# The same name again: the copy that is there stays, the new one gets a number.
+put "$spool/office/in" BAD01 "" $'no field here'
+put "$spool/office/in" BAD02 $'Subject: other\n\nx\n.' $'Return-path: <>\nRecipient: a@b'
+expect_status 0 "$krxhost" run --config "$spool/example.ini" --once
+expect_files "$spool/office/in/QDXRECVR" BAD01.MSG BAD01.RCP BAD02.MSG BAD02.RCP BAD02-1.MSG BAD02-1.RCP
+finish
