@@ -48,6 +48,8 @@ void copyFile(const std::string& from, const std::string& to) {
   }
 }
 
+std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\") + 1); }
+
 // The message file that goes with an envelope file, in either letter case of its extension.
 std::string messagePath(const std::string& envelope) {
   const std::string base = envelope.substr(0, envelope.size() - 4);
@@ -69,8 +71,9 @@ class PrivateSpool {
     }
     makeDirectory(source());
     makeDirectory(destination());
-    copyFile(options.envelope, source() + "SHOWN.RCP");
-    copyFile(messagePath(options.envelope), source() + "SHOWN.MSG");
+    const std::string message = messagePath(options.envelope);
+    copyFile(options.envelope, source() + fileName(options.envelope));
+    copyFile(message, source() + fileName(message));
     writeProfile(options);
   }
   std::string profile() const { return m_directory.path() + "show.ini"; }

@@ -150,7 +150,7 @@ unsigned int decodeDirectory(const SCL_StringRef& path, dv::PathRecord& record) 
     return FL_MALFORMED;
   }
   return std::string_view(record.path).find_first_of("*?") == std::string_view::npos ? 0
-                                                                                    : FL_PATTERN;
+                                                                                     : FL_PATTERN;
 }
 
 // Whatever mkdir answers, a directory that is there counts as existing: some file systems refuse
@@ -264,8 +264,7 @@ unsigned int composeTarget(const SCL_StringRef& source, const SCL_StringRef& tar
                            SCL_String& target) {
   dv::PathRecord from;
   dv::PathRecord to;
-  if (!fl::decodeWhole(from, source) ||
-      !fl::decodeWhole(to, targetTemplate)) {
+  if (!fl::decodeWhole(from, source) || !fl::decodeWhole(to, targetTemplate)) {
     return FL_MALFORMED;
   }
   const std::string_view directory = part(to, to.directory);

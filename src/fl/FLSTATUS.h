@@ -43,6 +43,8 @@ unsigned int fileTime(const SCL_StringRef& path, DV_DateTime& time);
 unsigned int fileSize(const SCL_StringRef& path, std::uint32_t& bytes);
 
 // The status's place in a search: both "no match at all" and "no further match" end it.
-constexpr bool isSearchEnd(unsigned int status) noexcept { return status == 452 || status == 485; }
+constexpr bool isSearchEnd(unsigned int status) noexcept {
+  return status == 452 || status == 485;
+}
 
 }  // namespace fl

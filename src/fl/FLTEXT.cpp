@@ -53,7 +53,9 @@ const char* findLineEnd(const char* text, std::size_t count) noexcept {
 
 }  // namespace
 
-FL_TextFile::~FL_TextFile() { close(); }
+FL_TextFile::~FL_TextFile() {
+  close();
+}
 
 int FL_TextFile::openForInput(const SCL_StringRef& path, unsigned int mode) {
   plat::OpenMode how = openMode(mode);

@@ -62,8 +62,9 @@ class FL_TextFile {
   FL_File m_file;
   std::unique_ptr<char[]> m_buffer;  // read ahead, or gathered for writing
   std::size_t m_used = 0;
-  std::size_t m_next = 0;       // reading: the next unread byte
-  std::int64_t m_position = 0;  // reading: where the buffer ends in the file; writing: where it goes
+  std::size_t m_next = 0;  // reading: the next unread byte
+  std::int64_t m_position =
+      0;  // reading: where the buffer ends in the file; writing: where it goes
   bool m_append = false;
   bool m_writing = false;
   bool m_failed = false;  // something that was written is lost

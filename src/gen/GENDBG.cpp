@@ -46,7 +46,9 @@ void emitLine(const char* line, Route route) {
   }
 }
 
-void emitDump(void* /*context*/, const char* line) { emitLine(line); }
+void emitDump(void* /*context*/, const char* line) {
+  emitLine(line);
+}
 
 }  // namespace gen::debug
 
@@ -157,7 +159,9 @@ void closeOutput() {
   output().displayOpened = false;
 }
 
-void setKeepOpen() noexcept { output().keepOpen = true; }
+void setKeepOpen() noexcept {
+  output().keepOpen = true;
+}
 
 void clearKeepOpen() {
   output().keepOpen = false;

@@ -52,8 +52,8 @@ void hexDump(const char* title, const char* label, unsigned int length, const vo
 struct Watch;
 const Watch* watch(const void* address, unsigned int length);
 void unwatch(const Watch* entry);
-// Assertion 16 with the source `name` and the line `where` (1 entry, 2 exit, 3 print of a block) when
-// a watched region has changed.
+// Assertion 16 with the source `name` and the line `where` (1 entry, 2 exit, 3 print of a block)
+// when a watched region has changed.
 void checkWatches(const char* name, unsigned int where);
 
 using ExitFunction = void (*)(void* argument);

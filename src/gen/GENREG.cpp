@@ -124,7 +124,8 @@ std::string bytesOf(std::uint32_t value) {
 
 // Is `target` beneath `source`? A recursive copy into itself would never end.
 bool isInside(std::string_view target, std::string_view source) noexcept {
-  return target.size() > source.size() && SCL_equalNoCase(target.substr(0, source.size()), source) &&
+  return target.size() > source.size() &&
+         SCL_equalNoCase(target.substr(0, source.size()), source) &&
          (source.empty() || target[source.size()] == '\\');
 }
 
@@ -161,7 +162,9 @@ void copyKey(int sourceRoot, const std::string& source, int targetRoot, const st
   }
 }
 
-std::string parametersOf(const SCL_StringRef& service) { return join(service, PARAMETERS); }
+std::string parametersOf(const SCL_StringRef& service) {
+  return join(service, PARAMETERS);
+}
 
 }  // namespace
 

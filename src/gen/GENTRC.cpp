@@ -76,7 +76,9 @@ void printText(int level, const char* format, std::va_list arguments) {
 
 namespace gen {
 
-int traceLevel() noexcept { return g_trace.level; }
+int traceLevel() noexcept {
+  return g_trace.level;
+}
 
 void traceIfOn(int level, const char* format, ...) {
   if (g_trace.level < level) {
@@ -113,7 +115,9 @@ GEN_TraceBlock::~GEN_TraceBlock() noexcept(false) {
   }
 }
 
-bool GEN_TraceBlock::isOn() const noexcept { return g_trace.level >= m_level; }
+bool GEN_TraceBlock::isOn() const noexcept {
+  return g_trace.level >= m_level;
+}
 
 // A changed watch ends the constructor, so that no destructor would undo the entry.
 void GEN_TraceBlock::enter(const char* suffix) {

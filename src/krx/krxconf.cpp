@@ -160,6 +160,9 @@ void KRX_PostOffice::validate(unsigned int& status) {
                    "Error in configuration section %s, no ContainerClass has been specified.",
                    m_name.c_str());
   }
+  if (m_ras_schedule) {
+    checkLine(status);
+  }
 }
 
 void KRX_PostOffice::checkDirectory(SCL_String& directory, bool isSource, unsigned int& status) {
@@ -210,4 +213,10 @@ void KRX_PostOffice::addSchedule(const SCL_StringRef& value, unsigned int& statu
                    "Error in configuration section %s, entry \"%s\" is not valid, status %u.",
                    m_name.c_str(), "RasSchedule", status);
   }
+}
+
+// A service that is not there is told even when something else is wrong, too.
+void KRX_PostOffice::checkLine(unsigned int& status) {
+  KRX_bindRas(m_ras_lib, m_ras_api, status);
+  KRX_RasLine(rasSettings(), m_ras_api, m_ras_conn).check(status);
 }

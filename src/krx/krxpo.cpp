@@ -25,6 +25,27 @@ KRX_MessageSettings KRX_PostOffice::messageSettings() const {
   return {m_src_dir, m_dst_dir, m_dflt_domain, m_container_class, m_stuck};
 }
 
+KRX_RasSettings KRX_PostOffice::rasSettings() const noexcept {
+  return {m_name,          m_ras_entry,       m_ras_user,       m_ras_password, m_ras_command,
+          m_ras_idle_time, m_ras_retry_count, m_ras_retry_delay};
+}
+
+// Mail that has come is fetched whether or not the line came up.
+void KRX_PostOffice::raiseLineWhenDue() noexcept {
+  const auto failure = GENCatch([this] {
+    if (m_ras_schedule->isDue()) {
+      KRX_RasLine(rasSettings(), m_ras_api, m_ras_conn).raise();
+    }
+  });
+  if (failure) {
+    GENSwallow([&] {
+      LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
+                                "The dial-up line of %s could not be raised, %s.", m_name.c_str(),
+                                failure->c_str());
+    });
+  }
+}
+
 GMA_Message* KRX_PostOffice::newMessage() {
   auto* message = new (std::nothrow) KRX_Message(this, messageSettings());
   if (message == nullptr) {
@@ -36,6 +57,9 @@ GMA_Message* KRX_PostOffice::newMessage() {
 GMA_Message* KRX_PostOffice::nextMessage(unsigned int& status) {
   if (status != 0) {
     return nullptr;
+  }
+  if (m_ras_schedule) {
+    raiseLineWhenDue();
   }
   std::optional<KRX_PairNames> pair;
   {

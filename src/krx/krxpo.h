@@ -8,7 +8,9 @@
 #include "gma/GMAPO.h"
 #include "krx/KRXRasSc.h"
 #include "krx/krxpair.h"
+#include "krx/krxras.h"
 #include "krx/krxspool.h"
+#include "scl/SCLDYLIB.h"
 
 struct KRX_MessageSettings;
 
@@ -36,6 +38,8 @@ class KRX_PostOffice : public GMA_PostOffice {
  private:
   struct StringDirective;
   KRX_MessageSettings messageSettings() const;
+  KRX_RasSettings rasSettings() const noexcept;
+  void raiseLineWhenDue() noexcept;
 
   // Configuration (krxconf.cpp).
   void setOnce(const StringDirective& directive, const SCL_StringRef& value, unsigned int& status);
@@ -43,6 +47,7 @@ class KRX_PostOffice : public GMA_PostOffice {
   void setCommand(const SCL_StringRef& value);
   void addSchedule(const SCL_StringRef& value, unsigned int& status);
   void checkDirectory(SCL_String& directory, bool isSource, unsigned int& status);
+  void checkLine(unsigned int& status);
 
   SCL_String m_src_dir;
   SCL_String m_dst_dir;
@@ -52,10 +57,13 @@ class KRX_PostOffice : public GMA_PostOffice {
   SCL_String m_ras_entry;
   SCL_String m_ras_user;
   SCL_String m_ras_password;
+  RasHandle m_ras_conn = 0;
   std::uint32_t m_ras_idle_time = 30;
   std::uint32_t m_ras_retry_count = 2;
   std::uint32_t m_ras_retry_delay = 10;
   SCL_String m_ras_command;
+  SCL_DynamicLibrary m_ras_lib;
+  KRX_RasApi m_ras_api;
 
   std::shared_ptr<KRX_StuckPairs> m_stuck;
   KRX_PairSearch m_search;

@@ -10,8 +10,8 @@
 
 class PFA_Entry {
  public:
-  static constexpr unsigned int MAX_VALUES = 15;   // fields 1 to 15; field 0 is the name
-  static constexpr unsigned int MAX_TEXT = 255;    // a longer line reads back as several
+  static constexpr unsigned int MAX_VALUES = 15;     // fields 1 to 15; field 0 is the name
+  static constexpr unsigned int MAX_TEXT = 255;      // a longer line reads back as several
   static constexpr std::uint32_t MAX_INDEX = 99999;  // five digits
 
   // `line` has no leading white space; `number` is its place in the file, 0 for a new entry.

@@ -128,7 +128,9 @@ unsigned int PFA_Profile::entryText(char* buffer, unsigned int size) const {
   return m_entry ? PFA_copyText((*m_entry)->text(), buffer, size) : PFA_NO_ENTRY;
 }
 
-unsigned int PFA_Profile::entryIndex() const noexcept { return m_entry ? (*m_entry)->index() : 0; }
+unsigned int PFA_Profile::entryIndex() const noexcept {
+  return m_entry ? (*m_entry)->index() : 0;
+}
 
 unsigned int PFA_Profile::entryLine() const noexcept {
   return m_entry ? (*m_entry)->lineNumber() : 0;

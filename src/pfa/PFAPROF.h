@@ -40,10 +40,10 @@ class PFA_Profile {
   unsigned int openStatus() const noexcept { return m_openStatus; }
   // All operations return a status, 0 for success.
 
-  // Flushes what was open, reads the file and selects the section. When the file is open in the same
-  // mode, only the section is selected. 1822 cannot be opened (missing, or somebody writes it);
-  // 1826 read error; 1827 a header without its bracket; 1832 no working name; 1830 no such section.
-  // A busy or missing file is tried three times, a second apart, while RETRY_BUSY is set.
+  // Flushes what was open, reads the file and selects the section. When the file is open in the
+  // same mode, only the section is selected. 1822 cannot be opened (missing, or somebody writes
+  // it); 1826 read error; 1827 a header without its bracket; 1832 no working name; 1830 no such
+  // section. A busy or missing file is tried three times, a second apart, while RETRY_BUSY is set.
   unsigned int open(const SCL_StringRef& fileName, bool writable, const char* section = nullptr);
   // A new, empty file, opened for writing. 1825 it exists; 1821 it cannot be made.
   unsigned int create(const SCL_StringRef& fileName);
@@ -68,18 +68,18 @@ class PFA_Profile {
   unsigned int entryName(char* buffer, unsigned int size) const;
   unsigned int sectionName(char* buffer, unsigned int size) const;  // 1829, 1820
   unsigned int entryText(char* buffer, unsigned int size) const;    // 1828, 1820
-  unsigned int entryIndex() const noexcept;       // 0 without a current entry
-  unsigned int entryLine() const noexcept;        // of the file that it was read from, 0: none
-  unsigned int fieldCount() const noexcept;       // values of the current entry
-  unsigned int entryCount() const noexcept;       // of the current section, comments not counted
+  unsigned int entryIndex() const noexcept;                         // 0 without a current entry
+  unsigned int entryLine() const noexcept;   // of the file that it was read from, 0: none
+  unsigned int fieldCount() const noexcept;  // values of the current entry
+  unsigned int entryCount() const noexcept;  // of the current section, comments not counted
   unsigned int highestIndex() const noexcept;
   unsigned int entryPosition() const noexcept;    // non-comment entries before the current one
   std::vector<std::string> sectionNames() const;  // in file order, deleted ones left out
   Position savePosition() const noexcept;
   unsigned int restorePosition(const Position& position);  // 1844
 
-  // A field of the named entry (findEntry first) or the current one (1828), trimmed. 1842 a comment;
-  // 1841 no such field; 1820 cut to size - 1 characters.
+  // A field of the named entry (findEntry first) or the current one (1828), trimmed. 1842 a
+  // comment; 1841 no such field; 1820 cut to size - 1 characters.
   unsigned int getValue(char* buffer, unsigned int size, bool transform, unsigned int field,
                         const char* name = nullptr, unsigned int index = 0);
   // An empty value is 0 or false. 1833, 1837 (negative), 1838: the text does not decode. The value
@@ -92,9 +92,9 @@ class PFA_Profile {
                           const char* name = nullptr, unsigned int index = 0);
   unsigned int getNameNumber(std::int32_t& value) const;  // the current entry's name
 
-  // Stores field 1 to 15 (else 1841) of the named entry, which is made when it is missing, or of the
-  // current one. 1835 not writable; 1842 a comment; 1820 the line would pass 255 characters, and
-  // nothing is stored. The text ends at its first CR or LF; a comma in it makes two fields.
+  // Stores field 1 to 15 (else 1841) of the named entry, which is made when it is missing, or of
+  // the current one. 1835 not writable; 1842 a comment; 1820 the line would pass 255 characters,
+  // and nothing is stored. The text ends at its first CR or LF; a comma in it makes two fields.
   unsigned int setValue(const SCL_StringRef& text, bool transform, unsigned int field,
                         const char* name = nullptr, unsigned int index = 0);
   unsigned int setSigned(std::int32_t value, bool transform, unsigned int field,

@@ -5,7 +5,9 @@
 
 #include "scl/SCLASCII.h"
 
-void PFA_Section::setName(std::string_view name) { m_name = SCL_trimmed(name); }
+void PFA_Section::setName(std::string_view name) {
+  m_name = SCL_trimmed(name);
+}
 
 std::uint32_t PFA_Section::highestIndex() const noexcept {
   const auto highest = std::find_if(m_entries.rbegin(), m_entries.rend(), [](const PFA_Entry& e) {

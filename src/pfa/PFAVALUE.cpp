@@ -19,7 +19,9 @@ bool decodes(const char* pattern, const char* text, void* value, unsigned int si
   return dv::decode(pattern, false, value, size, furthest, text) >= 0;
 }
 
-const char* booleanText(bool value) noexcept { return value ? "TRUE" : "FALSE"; }
+const char* booleanText(bool value) noexcept {
+  return value ? "TRUE" : "FALSE";
+}
 
 // The longest number and its sign.
 struct NumberText {

@@ -41,7 +41,9 @@ int openExisting(FL_File& file, const std::string& path) {
   return file.open(path, mode);
 }
 
-bool isHeld(int lockResult) noexcept { return lockResult == EWOULDBLOCK || lockResult == EACCES; }
+bool isHeld(int lockResult) noexcept {
+  return lockResult == EWOULDBLOCK || lockResult == EACCES;
+}
 
 // Between opening a file and locking it, another process may have put a new file under its name.
 // A second opening meets our own lock exactly when the name still stands for the locked file.

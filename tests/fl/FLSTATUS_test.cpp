@@ -1,10 +1,10 @@
 // Tests of the access test and of the queries on paths and drives.
 #include "fl/FLSTATUS.h"
 
+#include <ctime>
+
 #include <fcntl.h>
 #include <sys/stat.h>
-
-#include <ctime>
 
 #include "dv/DVDATTIM.h"
 #include "fl/Folder.h"

@@ -1,14 +1,14 @@
 // A directory of a test's own, removed at its end, and the small vocabulary of files in it.
 #pragma once
 
-#include <stdlib.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
+
+#include <stdlib.h>
 
 #include "gtest/gtest.h"
 

@@ -68,10 +68,10 @@ TEST_F(DebugKit, LinesGoToTheCallbackTheFileAndOnDemandTheConsole) {
   EXPECT_EQ(console([] { GENDisplayPrint("both"); }), "both\n");
   GENDebugPrint("%s", std::string(5000, 'x').c_str());
   const std::string longest(4095, 'x');
-  EXPECT_EQ(taken(), "DebugOutputFile Opened " + folder.path("trace.txt") + "\n5%\nboth\n" +
-                         longest + "\n");
-  EXPECT_EQ(folder.read("trace.txt"), "DebugOutputFile Opened " + folder.path("trace.txt") +
-                                          "\n5%\nboth\n" + longest + "\n");
+  EXPECT_EQ(taken(),
+            "DebugOutputFile Opened " + folder.path("trace.txt") + "\n5%\nboth\n" + longest + "\n");
+  EXPECT_EQ(folder.read("trace.txt"),
+            "DebugOutputFile Opened " + folder.path("trace.txt") + "\n5%\nboth\n" + longest + "\n");
   gen::setOutputCallback(nullptr, nullptr);
   EXPECT_EQ(console([] { GENDebugPrint("console"); }), "console\n");
 }

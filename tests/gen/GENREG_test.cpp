@@ -1,4 +1,5 @@
-// Tests of the registry's operations and of the temporary names, which take their directory from it.
+// Tests of the registry's operations and of the temporary names, which take their directory from
+// it.
 #include "gen/GENREG.h"
 
 #include "fl/Folder.h"

@@ -1,9 +1,9 @@
 // An environment variable that is set for the time of a test.
 #pragma once
 
-#include <stdlib.h>
-
 #include <string>
+
+#include <stdlib.h>
 
 class Variable {
  public:

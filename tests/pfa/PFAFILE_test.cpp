@@ -94,17 +94,6 @@ TEST_F(ProfileFile, AFailedFlushKeepsTheWorkingFileAndTheChanges) {
   EXPECT_EQ(folder.read("a.ini"), "[S]\nA=2\n \n");
 }
 
-TEST_F(ProfileFile, ProfilesThatDifferInTheirExtensionDoNotMeet) {
-  folder.write("a.cfg", "[C]\nA=1\n");
-  PFA_Profile first;
-  PFA_Profile second;
-  ASSERT_EQ(openWritable(first), 0U);
-  ASSERT_EQ(second.open(folder.path("a.cfg").c_str(), true), 0U);
-  EXPECT_EQ(folder.names(), "a.$$1 a.$$2");
-  EXPECT_EQ(first.flush() + second.flush(), 0U);
-  EXPECT_EQ(folder.read("a.cfg"), "[C]\nA=1\n");
-}
-
 TEST_F(ProfileFile, WithoutAFreeWorkingNameNothingIsTouched) {
   for (char digit = '1'; digit <= '9'; ++digit) {
     folder.write(std::string("a.$$") + digit, "taken");
@@ -132,8 +121,8 @@ TEST_F(ProfileFile, ADeadOwnersProfileIsRestored) {
   crashHolding("a.cfg");
   ASSERT_EQ(folder.names(), "a.$$1 a.$$2");
   PFA_Profile profile;
-  if (std::string owner; plat::getExtendedAttribute(folder.path("a.$$1"), "user.krx.profile",
-                                                    owner) != 0) {
+  if (std::string owner;
+      plat::getExtendedAttribute(folder.path("a.$$1"), "user.krx.profile", owner) != 0) {
     GTEST_SKIP() << "no extended attributes here";
   }
   EXPECT_EQ(profile.open(ini().c_str(), false), 0U);

@@ -76,22 +76,13 @@ class Environment {
 // killed, at the latest with this object.
 class Process {
  public:
-  explicit Process(const std::function<void()>& work) {
-    int ready[2];
-    EXPECT_EQ(::pipe2(ready, O_CLOEXEC), 0);
-    m_id = ::fork();
+  explicit Process(const std::function<void()>& work) : m_id(::fork()) {
     if (m_id == 0) {
       ::prctl(PR_SET_PDEATHSIG, SIGKILL);
       work();
-      EXPECT_EQ(::write(ready[1], "!", 1), 1);
-      for (;;) {
-        ::pause();
-      }
+      ::raise(SIGSTOP);
     }
-    char signal = 0;
-    ::close(ready[1]);
-    EXPECT_EQ(::read(ready[0], &signal, 1), 1);
-    ::close(ready[0]);
+    ::waitpid(m_id, nullptr, WUNTRACED);
   }
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
@@ -99,13 +90,13 @@ class Process {
 
   void kill() {
     if (m_id > 0) {
-      ::kill(std::exchange(m_id, -1), SIGKILL);
-      ::wait(nullptr);
+      ::kill(m_id, SIGKILL);
+      ::waitpid(std::exchange(m_id, -1), nullptr, 0);
     }
   }
 
  private:
-  pid_t m_id = -1;
+  pid_t m_id;
 };
 
 // Starts a process that does `work`, expectations included; end() gives its exit code.

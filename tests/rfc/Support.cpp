@@ -65,7 +65,7 @@ const bool g_bound = [] {
   return status == 0;
 }();
 
-Object filled(Object object, std::string_view text) {
+Object withContent(Object object, std::string_view text) {
   unsigned int status = 0;
   object->write(static_cast<std::int32_t>(text.size()), text.data(), status);
   object->setPosition(0, status);
@@ -87,11 +87,11 @@ Object inBlocks(std::string_view text, std::size_t block, std::int32_t failAt) {
   DAC_Stream* const stream = new BlockStream(block, failAt);
   Object object = std::make_unique<DAC_BaseDataAccess>(stream);
   stream->release();
-  return filled(std::move(object), text);
+  return withContent(std::move(object), text);
 }
 
 Object inMemory(std::string_view text) {
-  return filled(std::make_unique<DAC_MemoryDataAccess>(), text);
+  return withContent(std::make_unique<DAC_MemoryDataAccess>(), text);
 }
 
 std::string contentOf(DAC_BaseDataAccess& object) {
@@ -106,6 +106,14 @@ std::string restOf(DAC_BaseDataAccess& object) {
   text.resize(static_cast<std::size_t>(
       object.read(static_cast<std::int32_t>(text.size()), text.data(), status)));
   return text;
+}
+
+SCL_StringTable table(std::initializer_list<const char*> lines) {
+  SCL_StringTable filled;
+  for (const char* line : lines) {
+    filled.add(SCL_StringRef(line));
+  }
+  return filled;
 }
 
 std::string print(const ATR_AttributeList& attributes) {

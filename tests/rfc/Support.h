@@ -8,10 +8,10 @@
 #include <string_view>
 
 #include "dac/DACBASDA.h"
+#include "scl/SCLSTRTB.h"
 
 class GMA_MhdrTable;
 class RFC_SymbolList;
-class SCL_StringTable;
 
 namespace rfctest {
 
@@ -24,6 +24,8 @@ Object inBlocks(std::string_view text, std::size_t block, std::int32_t failAt = 
 
 std::string contentOf(DAC_BaseDataAccess& object);
 std::string restOf(DAC_BaseDataAccess& object);  // what is to be read at the cursor
+
+SCL_StringTable table(std::initializer_list<const char*> lines);
 
 std::string print(const ATR_AttributeList& attributes);  // "name=value|"
 std::string print(const GMA_MhdrTable& headers);         // "78 own name|line|line|\n"

@@ -69,40 +69,38 @@ std::string slowQuotedPrintable(const std::string& in) {
 
 // The rules of Base64: collect, fill up, decode group by group.
 std::string slowBase64(const std::string& in) {
-  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
   std::string out;
-  std::string collected;
+  std::string group;
   std::string problem;
-  for (const char c : in) {
-    collected += c == '=' || alphabet.find(c) != std::string::npos ? std::string(1, c) : "";
-  }
-  const bool isOpen = collected.size() % 4 != 0;
-  collected.resize((collected.size() + 3) / 4 * 4, '=');
-  for (std::size_t i = 0; i < collected.size(); i += 4) {
-    const std::string group = collected.substr(i, 4);
-    problem = isOpen && i + 4 == collected.size() ? OPEN_GROUP : problem;
-    if (group[0] == '=' || group[1] == '=') {
-      problem = BAD_GROUP;
+  for (std::size_t i = 0; i < in.size() || !group.empty(); ++i) {
+    if (i >= in.size()) {
+      problem = OPEN_GROUP;
+      group.resize(4, '=');
+    } else if (alphabet.find(in[i]) != std::string::npos) {
+      group += in[i];
+    }
+    if (group.size() < 4) {
       continue;
     }
+    const bool isBad = group[0] == '=' || group[1] == '=';
+    problem = isBad ? BAD_GROUP : problem;
     std::size_t bits = 0;
     for (const char c : group) {
-      bits = bits * 64 + (c == '=' ? 0 : alphabet.find(c));
+      bits = bits * 64 + alphabet.find(c) % 64;
     }
-    const std::size_t size = group[2] == '=' ? 1 : group[3] == '=' ? 2 : 3;
+    const std::size_t size = isBad ? 0 : group[2] == '=' ? 1 : group[3] == '=' ? 2 : 3;
     for (std::size_t k = 0; k < size; ++k) {
       out += static_cast<char>(bits >> (16 - 8 * k) & 0xFF);
     }
+    group.clear();
   }
   return out + problem;
 }
 
-TEST(QuotedPrintable, EscapesAreDecoded) {
+TEST(QuotedPrintable, EscapesAreDecodedAndTheRestStays) {
   EXPECT_EQ(quotedPrintable("a=3Db=3db=e9\r\n \xE9"), "a=b=b\xE9\r\n \xE9");
   EXPECT_EQ(quotedPrintable("abc=\r\ndef=\rXg"), "abcdefg");
-}
-
-TEST(QuotedPrintable, WhatIsNoEscapeStays) {
   EXPECT_EQ(quotedPrintable("a=XY a=3X =\nb"), "a=XY a=3X =\nb");
   EXPECT_EQ(quotedPrintable("==41=4=41"), "=A=4A");
 }
@@ -117,7 +115,7 @@ TEST(QuotedPrintable, ARangeThatEndsInAnEscapeIsNoted) {
 TEST(QuotedPrintable, FollowsTheRulesWhereverPiecesEnd) {
   Dice dice(3);
   const std::string run(5000, 'x');
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 1000; ++round) {
     const std::string text =
         dice.text({"=", "\r", "\n", "4", "f", "A", "g", "=3D", "plain text", "\xE9", run}, 30);
     const std::string expected = slowQuotedPrintable(text);
@@ -126,12 +124,9 @@ TEST(QuotedPrintable, FollowsTheRulesWhereverPiecesEnd) {
   }
 }
 
-TEST(Base64, GroupsAreDecoded) {
+TEST(Base64, GroupsAreDecodedAndProblemsCostTheirOwn) {
   EXPECT_EQ(base64("TWFuTWE=TQ==TQ=x"), "ManMaMM");
   EXPECT_EQ(base64("TW\r\nFu \x80-T\r\nWFu"), "ManMan");
-}
-
-TEST(Base64, ProblemsCostTheirOwnGroup) {
   EXPECT_EQ(base64("TWF"), std::string("Ma") + OPEN_GROUP);
   EXPECT_EQ(base64("=AAATWFu"), std::string("Man") + BAD_GROUP);
   EXPECT_EQ(base64("TWFuT"), std::string("Man") + BAD_GROUP);
@@ -140,7 +135,7 @@ TEST(Base64, ProblemsCostTheirOwnGroup) {
 TEST(Base64, FollowsTheRulesWhereverLinesEnd) {
   Dice dice(4);
   const std::string longLine(1021, 'Q');
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 1000; ++round) {
     const std::string text = dice.text({"T", "WFu", "=", "TWFu", "\r\n", "\n", " ", "-", "/+9",
                                         longLine, std::string_view("\0", 1)},
                                        30);

@@ -9,7 +9,6 @@
 #include "atr/ATRATLST.h"
 #include "gma/GMAMHDRT.h"
 #include "rfc/Support.h"
-#include "scl/SCLSTRTB.h"
 
 using namespace rfctest;
 
@@ -17,10 +16,10 @@ namespace {
 
 // The headers, then what is left to be read.
 std::string headers(DAC_BaseDataAccess& object) {
-  GMA_MhdrTable table;
+  GMA_MhdrTable read;
   unsigned int status = 0;
-  const int found = rfc_read_headers(object, table, status);
-  return print(table) + "found " + std::to_string(found) +
+  const int found = rfc_read_headers(object, read, status);
+  return print(read) + "found " + std::to_string(found) +
          (status != 0 ? " status " + std::to_string(status) : "") + " rest " + restOf(object);
 }
 
@@ -41,14 +40,6 @@ std::string field(const std::string& text, std::int32_t maximum = RFC_MAX_LINE) 
   const int found = rfc_read_field_checked(*object, maximum, name, lines, cut, status);
   return std::to_string(found) + " " + name.c_str() + ": " + print(lines) + (cut ? " cut" : "") +
          " rest " + restOf(*object);
-}
-
-SCL_StringTable table(std::initializer_list<const char*> lines) {
-  SCL_StringTable filled;
-  for (const char* line : lines) {
-    filled.add(SCL_StringRef(line));
-  }
-  return filled;
 }
 
 TEST(ReadField, ContinuationLinesAreKeptWhole) {
@@ -102,14 +93,11 @@ TEST(ReadHeaders, OnlyUnknownFieldsKeepTheirNames) {
 
 TEST(ReadHeaders, FourBadFieldsInARowAreTheBody) {
   const std::string bad = repeated("a b: c\n", 3);
-  EXPECT_EQ(headers("To: a\n" + bad + "\nbody"),
-            "28 | a|\n" + repeated("82 |a b: c|\n", 3) + "found 1 rest \nbody");
   EXPECT_EQ(headers("To: a\n" + bad + "a b: c\nbody"),
             "28 | a|\nfound 1 rest " + bad + "a b: c\nbody");
   EXPECT_EQ(headers(bad + "bad-header: c\n"), "found 0 rest " + bad + "bad-header: c\n");
-  EXPECT_EQ(headers(bad + "To: a\n" + bad + "B: b\n"), repeated("82 |a b: c|\n", 3) + "28 | a|\n" +
-                                                           repeated("82 |a b: c|\n", 3) +
-                                                           "46 B| b|\nfound 1 rest ");
+  const std::string kept = repeated("82 |a b: c|\n", 3);
+  EXPECT_EQ(headers(bad + "To: a\n" + bad + "\nb"), kept + "28 | a|\n" + kept + "found 1 rest \nb");
 }
 
 TEST(ReadHeaders, ATimeOfDayIsText) {
