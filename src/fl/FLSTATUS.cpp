@@ -49,11 +49,11 @@ unsigned int statusOfAccess(int error) noexcept {
 
 // The check takes a file that has its extension in the other letter case for the one asked for.
 unsigned int existenceOf(const SCL_StringRef& path) {
-  plat::FileStatus found;
   const unsigned int status = statusOfCheck(dv::checkFile(path));
-  const bool exact =
-      status != 0 || plat::status(path, found) != 0 || found.kind != plat::Kind::missing;
-  return exact ? status : FL_NOT_FOUND;
+  plat::FileStatus found;
+  const bool isOther =
+      status == 0 && plat::status(path, found) == 0 && found.kind == plat::Kind::missing;
+  return isOther ? FL_NOT_FOUND : status;
 }
 
 unsigned int absenceOf(unsigned int existence) noexcept {

@@ -81,8 +81,10 @@ bool beginsWithDigit(const std::string& text) noexcept {
 
 unsigned int GENInputString(const char* prompt, unsigned int size, char* buffer) {
   gen::debug::openConsole();
-  gen::debug::writeConsole("\n" + std::string(prompt));
-  const std::string line = readConsoleLine();
+  std::string line("\n");
+  line += prompt;
+  gen::debug::writeConsole(line);
+  line = readConsoleLine();
   const std::string_view used = withoutLineEnd(line).substr(0, USED_CHARACTERS);
   const std::string_view text = withoutLeadingSpace(used);
   return copyPadded(text.substr(0, text.find('\0')), size, buffer);

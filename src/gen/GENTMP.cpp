@@ -23,7 +23,7 @@ constexpr int USERS = 3;
 std::string temporaryDirectory() {
   plat::RegistryValue value;
   if (plat::registryReadValue(USERS, ".DEFAULT\\Environment", "TMP", value) == 0) {
-    const std::string text = value.data.substr(0, value.data.find('\0'));
+    std::string text = value.data.substr(0, value.data.find('\0'));
     if (value.type == plat::ValueType::expandString) {
       return plat::expandEnvironment(text, MAX_DIRECTORY);
     }

@@ -106,6 +106,19 @@ const SCL_String& GMA_Message::postOfficeName() const {
   return m_postoffice->name();
 }
 
+// What stands in the copy for the part that this message's own headers describe.
+DAC_BaseDataAccess* GMA_Message::describedIn(const GMA_Message& copy) const {
+  if (m_described == nullptr || m_described == m_body) {
+    return m_described == nullptr ? nullptr : copy.m_body;
+  }
+  for (std::uint16_t i = 0; i < itemCount(); ++i) {
+    if (getItemData(i) == m_described) {
+      return copy.getItemData(i);
+    }
+  }
+  return nullptr;
+}
+
 GMA_Message* GMA_Message::transferTo(GMA_PostOffice& destination) {
   std::unique_ptr<GMA_Message> copy = required(destination.newMessage());
   const std::unique_ptr<GMA_Maddr> scratch = required(copy->newAddress());
@@ -125,6 +138,7 @@ GMA_Message* GMA_Message::transferTo(GMA_PostOffice& destination) {
   for (std::uint16_t i = 0; i < itemCount(); ++i) {
     copy->addItem(pointerTo(getItemData(i)).release(), isItemOriginal(i));
   }
+  copy->m_described = describedIn(*copy);
   copy->m_is_inform = 0;
   copy->m_tag = m_tag;
   m_transferred = 1;

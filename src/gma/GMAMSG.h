@@ -124,6 +124,7 @@ class GMA_Message {
   DAC_BaseDataAccess* m_described = nullptr;
 
  private:
+  DAC_BaseDataAccess* describedIn(const GMA_Message& copy) const;
   GMA_Item& itemAt(std::uint16_t index) const;
   const SCL_String& postOfficeName() const;
   void replaceBody(std::unique_ptr<DAC_BaseDataAccess> newBody, unsigned int& status);

@@ -70,8 +70,7 @@ void KRX_RasEvent::decode(const SCL_StringRef& value, unsigned int& status) {
     return;
   }
   const auto days = m_type == INTERVAL ? static_cast<std::int32_t>(fields.days) : 0;
-  m_control =
-      DV_TimeOffset(days, fields.hours, fields.minutes, fields.seconds, fields.hundredths);
+  m_control = DV_TimeOffset(days, fields.hours, fields.minutes, fields.seconds, fields.hundredths);
 }
 
 // A quarter of the interval, so that a post office that is started anew does not stay away from its

@@ -44,11 +44,13 @@ void KRX_Maddr::parse(const SCL_StringRef& text, unsigned int& status) {
     m_user.clear();
     m_location.clear();
     m_original.clear();
+    partsChanged();
     return;
   }
   m_user = std::move(address.user);
   m_location = std::move(address.location);
   m_original = text;
+  partsChanged();
   if (address.relayed) {
     status = KRX_RELAYED_ADDRESS;
   }

@@ -27,6 +27,8 @@ class KRX_Maddr : public GMA_Maddr {
   void parse(const SCL_StringRef& text, unsigned int& status) override;
   void getText(SCL_String& text) const override;
   void dump(const SCL_StringRef& name, std::ostream& stream, SCL_DumpIndent& indent) const override;
+  // Equality is the base's.
+  bool isFoundByParts() const noexcept override { return true; }
 
  private:
   SCL_String m_default_domain;

@@ -125,7 +125,7 @@ void KRX_RasLine::adopt() {
     report(error, "RasEnumConnections");
     return;
   }
-  const RasConnection* const end = connections + std::min(count, RAS_MAX_CONNECTIONS);
+  RasConnection* const end = connections + std::min(count, RAS_MAX_CONNECTIONS);
   const auto found = std::find_if(connections, end, [this](const RasConnection& connection) {
     return KRX_rasText(connection.entryName) == m_settings.entry.view();
   });

@@ -75,7 +75,7 @@ class KRX_RasLine {
 
   void report(std::uint32_t error, const char* context);
 
-  const KRX_RasSettings& m_settings;
+  const KRX_RasSettings m_settings;
   const KRX_RasApi& m_api;
   RasHandle& m_connection;
 };

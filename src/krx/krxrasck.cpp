@@ -145,9 +145,8 @@ void KRX_RasLine::listEntry(const RasEntryBuffer& buffer, std::uint32_t size,
 void KRX_RasLine::writeIdleTime(RasEntryBuffer& buffer, unsigned int& status) {
   buffer.entry.idleDisconnectSeconds = m_settings.idleTime;
   buffer.entry.alternateOffset = 0;
-  if (const std::uint32_t error =
-          m_api.setEntryProperties(nullptr, m_settings.entry.c_str(), &buffer.entry,
-                                   sizeof buffer.entry, nullptr, 0);
+  if (const std::uint32_t error = m_api.setEntryProperties(
+          nullptr, m_settings.entry.c_str(), &buffer.entry, sizeof buffer.entry, nullptr, 0);
       error != 0) {
     status = KRX_ENTRY_WRITE;
     report(error, "Calling RasSetEntryProperties");

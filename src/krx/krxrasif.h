@@ -111,8 +111,8 @@ struct RasDialParameters {
 static_assert(sizeof(RasDialParameters) == 1060);
 
 // The operations. A null phonebook is the default one; extensions and notifier are null, so that
-// dialling returns when the line is up or has failed. A failed dial may leave a handle all the same,
-// which the caller hangs up.
+// dialling returns when the line is up or has failed. A failed dial may leave a handle all the
+// same, which the caller hangs up.
 using RasDialFunction = std::uint32_t(const void* extensions, const char* phonebook,
                                       const RasDialParameters* parameters,
                                       std::uint32_t notifierType, const void* notifier,

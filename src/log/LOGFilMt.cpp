@@ -1,5 +1,6 @@
 // The file stream's housekeeping: passing the older files of the series to a target.
 #include <algorithm>
+#include <iterator>
 
 #include "dac/DACFILDA.h"
 #include "dv/DVPATH.h"

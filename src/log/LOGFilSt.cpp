@@ -2,6 +2,7 @@
 #include "log/LOGFilSt.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "dac/DACATTRN.h"
 #include "dac/DACFILDA.h"
@@ -109,18 +110,22 @@ void LOG_FileStream::endOfConfiguration(unsigned int& status) {
     return;
   }
   status = m_names.parse(m_root, m_nameType);
-  if (status != 0 || m_nameType == Kind::none) {
-    return;
+  if (status == 0 && m_nameType != Kind::none) {
+    findExisting(status);
   }
-  const bool byDate = m_nameType == Kind::date;
-  m_highest = 0;
-  std::uint32_t lowest = UINT32_MAX;
-  status = m_names.forEachFile([&](std::uint32_t key) {
-    lowest = std::min(lowest, key);
-    m_highest = byDate ? 0 : std::max(m_highest, key);
-  });
-  const auto none = byDate ? static_cast<std::uint32_t>(DV_Date().dayNumber()) : 0U;
-  m_lowest = byDate ? std::min(lowest, none) : lowest == UINT32_MAX ? none : lowest;
+}
+
+void LOG_FileStream::findExisting(unsigned int& status) {
+  std::vector<std::uint32_t> keys;
+  status = m_names.forEachFile([&](std::uint32_t key) { keys.push_back(key); });
+  if (m_nameType == Kind::date) {
+    keys.push_back(static_cast<std::uint32_t>(DV_Date().dayNumber()));
+  }
+  if (status == 0 && !keys.empty()) {
+    const auto [lowest, highest] = std::minmax_element(keys.begin(), keys.end());
+    m_lowest = *lowest;
+    m_highest = *highest;
+  }
 }
 
 bool LOG_FileStream::isReady(const plat::LocalTime& now) {
@@ -192,8 +197,11 @@ std::unique_ptr<DAC_BaseDataAccess> LOG_FileStream::openFile(const DV_Date& toda
   // Only a file that existed is open for appending. One that was just made is opened again, so
   // that two processes that log into it never write over each other's lines.
   if (file != nullptr && !file->stream()->appendOnly()) {
-    file.reset();
-    file = openLogFile(path.c_str(), status);
+    unsigned int again = 0;
+    std::unique_ptr<DAC_FileDataAccess> appending = openLogFile(path.c_str(), again);
+    if (appending != nullptr) {
+      file = std::move(appending);
+    }
   }
   if (file != nullptr) {
     m_highest = number;

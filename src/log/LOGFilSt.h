@@ -53,6 +53,7 @@ class LOG_FileStream : public LOG_Stream {
   using Kind = LOG_NamePattern::Kind;
 
   void setRootName(const SCL_StringRef& value, unsigned int& status);
+  void findExisting(unsigned int& status);
 
   // Opening.
   bool isReady(const plat::LocalTime& now);

@@ -23,7 +23,7 @@ std::string workingName(const std::string& profile, char digit) {
 }
 
 std::string fullName(const std::string& profile) {
-  const std::string native = plat::toNative(profile);
+  std::string native = plat::toNative(profile);
   if (!native.empty() && native.front() == '/') {
     return native;
   }

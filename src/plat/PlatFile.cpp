@@ -42,7 +42,7 @@ int openOnce(const std::string& native, const OpenMode& mode) {
 // The descriptor, or -1 with errno.
 int openPatiently(const std::string& native, const OpenMode& mode) {
   int descriptor = openOnce(native, mode);
-  const int attempts = mode.share == Share::all ? LEASE_ATTEMPTS : 1;
+  const int attempts = mode.share == Share::denyAll ? 1 : LEASE_ATTEMPTS;
   for (int attempt = 1; descriptor < 0 && errno == EWOULDBLOCK; ++attempt) {
     if (attempt >= attempts) {
       errno = EBUSY;

@@ -31,7 +31,8 @@ struct OpenMode {
   unsigned int permissions = 0666;  // masked by the umask
 };
 
-// An open file; closes in its destructor. Not shared between threads.
+// An open file; closes in its destructor. Not shared between threads. An open that meets a lease
+// which another process holds for the moment of its test waits it out; one that lasts is EBUSY.
 //
 // Share::denyAll: a write lease, which the kernel grants only while nobody else has the file open,
 // taken and released at once. Where leases are not to be had, flock(LOCK_EX | LOCK_NB) and the
@@ -89,7 +90,9 @@ int rename(std::string_view from, std::string_view to);           // replaces
 int renameNoReplace(std::string_view from, std::string_view to);  // EEXIST when `to` exists
 // The directory entry changes of `directory` to stable storage; nothing with KRX_COMMIT=0.
 int commitDirectory(std::string_view directory);
-// Gives the open file the owner, group and mode of another.
+// Gives the open file the owner, group and mode of another. The mode comes last and only when owner
+// and group are right (EPERM when they may not be given), so that nobody else can read it
+// meanwhile.
 int copyOwnership(const File& to, const File& from);
 bool commitDisabled() noexcept;  // KRX_COMMIT=0
 

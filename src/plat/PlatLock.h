@@ -9,7 +9,7 @@
 namespace plat {
 
 // The host's directory-locking service. LockDir: nonzero and a handle on success, 0 while somebody
-// else holds the lock (or it cannot be had; then the error is told once through LockDirFailure).
+// else holds the lock (or it cannot be had; then the error is told once through lockDirFailure).
 // A lock is flock(LOCK_EX | LOCK_NB) on the directory itself, or on ".krxlock" in it where the file
 // system refuses that; the kernel releases it when its holder dies. `timeout` is not waited for.
 int LockDir(const char* directory, int timeout, long* handle);

@@ -96,7 +96,6 @@ TEST(Date, ParsesDayMonthYear) {
   EXPECT_EQ(parsed(" 05-dec-98 "), "00981205");
   EXPECT_EQ(parsed("150-Jan-2147483647"), "99990199");
   EXPECT_EQ(parsed("5-Jan-99999999999"), "00000105");
-  EXPECT_EQ(parsed("5 Jan 1998"), "no match");
   EXPECT_TRUE(DV_Date("nonsense").isNull());
 }
 
@@ -118,7 +117,6 @@ TEST(Date, TodayIsNullWhenTheClockFails) {
   clock.fails = true;
   date.setToday();
   EXPECT_TRUE(date.isNull());
-  EXPECT_EQ(date.compare(DV_Date::NULL_DATE), 0);
   EXPECT_TRUE(date.hadError());
   EXPECT_FALSE(date.hadError());
 }

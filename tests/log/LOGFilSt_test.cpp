@@ -16,24 +16,6 @@ namespace {
 constexpr char OPENED[] = "14:05:09.27 (LOG:001) Log file opened on 28-Feb-2024\n";
 constexpr char AT[] = "14:05:09.27 (KRX:001) ";
 
-// While it lives no file of this process grows beyond `size`.
-class FullDisk {
- public:
-  explicit FullDisk(rlim_t size) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &m_before);
-    const rlimit limit{size, m_before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FullDisk() {
-    setrlimit(RLIMIT_FSIZE, &m_before);
-    std::signal(SIGXFSZ, m_handler);
-  }
-
- private:
-  void (*m_handler)(int);
-  rlimit m_before{};
-};
-
 class FileStream : public LogTest {
  protected:
   unsigned make(const char* type, const std::string& root, const char* nameType) {
@@ -203,11 +185,15 @@ TEST_F(FileStream, AFailedOpenIsTriedAgainOnceASecond) {
 TEST_F(FileStream, AFullDiskDropsEntriesUntilThereIsRoomAgain) {
   make("UserFile", "full", "");
   entry("one");
-  {
-    const FullDisk full(std::filesystem::file_size(directory + "full"));
-    entry("lost");
-    entry("lost too");
-  }
+  rlimit unlimited{};
+  getrlimit(RLIMIT_FSIZE, &unlimited);
+  const rlimit full{std::filesystem::file_size(directory + "full"), unlimited.rlim_max};
+  auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &full);
+  entry("lost");
+  entry("lost too");
+  setrlimit(RLIMIT_FSIZE, &unlimited);
+  std::signal(SIGXFSZ, handler);
   entry("two");
   EXPECT_EQ(read("full"), std::string(OPENED) + AT + "one\n" + AT + "two\n");
 }

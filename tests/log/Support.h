@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <set>
 #include <string>
 
@@ -50,15 +51,8 @@ class LogTest : public testing::Test {
     return shown({std::istreambuf_iterator<char>(file), {}});
   }
   static std::string shown(const std::string& content) {
-    std::string text;
-    for (const char c : content) {
-      if (c == '\n' && text.ends_with('\r')) {
-        text.back() = '\n';
-      } else {
-        text += c == '\n' ? std::string("<LF>") : std::string(1, c);
-      }
-    }
-    return text;
+    const std::string marked = std::regex_replace(content, std::regex("(^|[^\r])\n"), "$1<LF>");
+    return std::regex_replace(marked, std::regex("\r\n"), "\n");
   }
   // The names in a directory in order, each followed by a blank.
   std::string files(const std::string& folder = "") const {

@@ -13,10 +13,8 @@
 #include <iterator>
 #include <optional>
 #include <string>
-#include <utility>
 
 #include <gtest/gtest.h>
-#include <linux/audit.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sched.h>
@@ -72,8 +70,8 @@ class Environment {
   std::optional<std::string> m_before;
 };
 
-// A process that has done `work` when the constructor returns and then stands still until it is
-// killed, at the latest with this object.
+// A process that has done `work` when the constructor returns, then stands still, and is killed
+// with this object.
 class Process {
  public:
   explicit Process(const std::function<void()>& work) : m_id(::fork()) {
@@ -86,13 +84,9 @@ class Process {
   }
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
-  ~Process() { kill(); }
-
-  void kill() {
-    if (m_id > 0) {
-      ::kill(m_id, SIGKILL);
-      ::waitpid(std::exchange(m_id, -1), nullptr, 0);
-    }
+  ~Process() {
+    ::kill(m_id, SIGKILL);
+    ::waitpid(m_id, nullptr, 0);
   }
 
  private:
@@ -112,17 +106,16 @@ class Work {
       ::_exit(testing::Test::HasFailure() ? 1 : 0);
     }
   }
-  bool isRunning() { return ::waitpid(m_id, &m_result, WNOHANG) == 0; }
+  bool isRunning() { return !m_ended && !(m_ended = ::waitpid(m_id, &m_result, WNOHANG) == m_id); }
   int end() {
-    if (m_id > 0 && m_result == -1) {
-      ::waitpid(m_id, &m_result, 0);
-    }
-    return WIFSIGNALED(m_result) ? 128 + WTERMSIG(m_result) : WEXITSTATUS(m_result);
+    m_ended = m_ended || ::waitpid(m_id, &m_result, 0) == m_id;
+    return WIFEXITED(m_result) ? WEXITSTATUS(m_result) : 128 + WTERMSIG(m_result);
   }
 
  private:
   pid_t m_id = -1;
-  int m_result = -1;
+  bool m_ended = false;
+  int m_result = 0;
 };
 
 constexpr int CANNOT = 77;

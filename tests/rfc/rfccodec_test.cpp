@@ -1,6 +1,8 @@
 // Tests of the decoders, among them one against the rules taken word by word.
 #include "rfc/rfccodec.h"
 
+#include <cctype>
+
 #include <gtest/gtest.h>
 
 #include "rfc/RFCB64Da.h"
@@ -43,22 +45,19 @@ constexpr char BAD_GROUP[] = " !Base64 Invalid Data/2";
 
 // The rules of quoted-printable, byte by byte over the whole range.
 std::string slowQuotedPrintable(const std::string& in) {
-  const std::string digits = "0123456789ABCDEF0123456789abcdef";
+  const auto isHex = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
   std::string out;
   for (std::size_t i = 0; i < in.size();) {
-    const bool isEscape = in[i] == '=';
-    const std::size_t first =
-        isEscape && i + 1 < in.size() ? digits.find(in[i + 1]) : std::string::npos;
-    const bool needsThird = first != std::string::npos || in.compare(i, 2, "=\r") == 0;
-    if (isEscape && i + (needsThird ? 2 : 1) >= in.size()) {
+    const std::string escape = in.substr(i, 3);
+    const bool mayGoOn = escape.size() < 2 || escape[1] == '\r' || isHex(escape[1]);
+    if (escape[0] != '=' || !mayGoOn) {
+      out += in[i++];
+    } else if (escape.size() < 3) {
       return out + OPEN_ESCAPE;
-    }
-    const std::size_t second =
-        first != std::string::npos ? digits.find(in[i + 2]) : std::string::npos;
-    if (in.compare(i, 2, "=\r") == 0) {
+    } else if (escape[1] == '\r') {
       i += 3;
-    } else if (second != std::string::npos) {
-      out += static_cast<char>(first % 16 * 16 + second % 16);
+    } else if (isHex(escape[2])) {
+      out += static_cast<char>(std::stoi(escape.substr(1), nullptr, 16));
       i += 3;
     } else {
       out += in[i++];
