@@ -24,9 +24,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     message->chooseFileNames(status);
     fuzz::require(status == 0, "a name is found in an empty directory");
-    fuzz::require(std::string(message->messageFile().c_str()).find_first_of("/\\:\r\n") ==
-                      std::string::npos,
-                  "a file name has no path in it");
+    fuzz::require(
+        std::string(message->messageFile().c_str()).find_first_of("/\\:\r\n") == std::string::npos,
+        "a file name has no path in it");
     const std::string envelope = written(*message);
     const auto again = fuzz::newMessage();
     again->readEnvelope(*fuzz::content(envelope), status);

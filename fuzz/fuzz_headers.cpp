@@ -12,9 +12,9 @@ std::string readBlock(std::string_view input, std::size_t block) {
   unsigned int status = 0;
   const int found = rfc_read_headers(*file, headers, status);
   rfc_skip_blank_line(*file);
-  fuzz::require(file->getPosition() >= 0 &&
-                    static_cast<std::size_t>(file->getPosition()) <= input.size(),
-                "the cursor stays inside the content");
+  fuzz::require(
+      file->getPosition() >= 0 && static_cast<std::size_t>(file->getPosition()) <= input.size(),
+      "the cursor stays inside the content");
   ATR_AttributeList attributes;
   rfc_headers_to_attributes(headers, attributes);
   return std::to_string(found) + " " + std::to_string(status) + " " +

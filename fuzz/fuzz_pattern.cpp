@@ -10,16 +10,15 @@
 
 namespace {
 
-constexpr const char* PATTERNS[] = {
-    " %U-{+JAN|FEB|MAR|APR|MAY|JUN|JUL|AUG|SEP|OCT|NOV|DEC}-%U ",
-    " %U:%U[:%U[.%U]] ",
-    " [{++|-}%U:]%U:%U[:%U[.%U]] ",
-    "{* T{/RUE}| Y{/ES}| ON| F{/ALSE}| N{/O}| OFF}",
-    "{+Y{/ES}|N{/O}}|",
-    " %LI",
-    "{ Brief | Normal | Verbose | Debug }",
-    "%P",
-    "%F %Q %H"};
+constexpr const char* PATTERNS[] = {" %U-{+JAN|FEB|MAR|APR|MAY|JUN|JUL|AUG|SEP|OCT|NOV|DEC}-%U ",
+                                    " %U:%U[:%U[.%U]] ",
+                                    " [{++|-}%U:]%U:%U[:%U[.%U]] ",
+                                    "{* T{/RUE}| Y{/ES}| ON| F{/ALSE}| N{/O}| OFF}",
+                                    "{+Y{/ES}|N{/O}}|",
+                                    " %LI",
+                                    "{ Brief | Normal | Verbose | Debug }",
+                                    "%P",
+                                    "%F %Q %H"};
 
 void decode(const char* pattern, const SCL_StringRef& text) {
   alignas(8) char record[512];

@@ -42,6 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string changed = printed(profile);
     fuzz::require(profile.flush() == 0, "a profile can be written");
     PFA_Profile again;
+    again.setFlags(PFA_Profile::KEEP_COMMENTS, true);  // as a writable profile does
     fuzz::require(again.open(path.c_str(), false) == 0, "a profile of ours can be read");
     fuzz::require(printed(again) == changed, "a profile is read as what was written");
   });

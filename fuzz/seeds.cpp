@@ -79,7 +79,8 @@ void seedsOfSpool(const fs::path& examples, const fs::path& directory) {
 
 void seedsOfValues(const fs::path& directory) {
   Seeds(directory, "values")
-      .add({"text/plain; charset=us-ascii", "multipart/mixed; boundary=\"a b\" (c (d)) ; x=\"\\\"\"",
+      .add({"text/plain; charset=us-ascii",
+            "multipart/mixed; boundary=\"a b\" (c (d)) ; x=\"\\\"\"",
             "attachment; filename=\"a.txt\"", "base64", "12 text, 3 message, uuencode", "text/",
             "text plain; charset", "\"a\\001\" [1.2.3.4] <a@b>, (c)"});
   Seeds(directory, "addresses")

@@ -127,8 +127,13 @@ void print(GMA_Message& message, unsigned int status, const ShowOptions& options
   for (const RecordingStream::Entry& entry : recorded.entries()) {
     std::fprintf(stderr, "%s\n", entry.text.c_str());
   }
-  attachToFreeSlot(log, std::make_unique<TerminalStream>(TerminalStream::Output::plainOutput,
-                                                         LOG_Logging::NORMAL));
+  // The one stream that both the listing and its summary reach.
+  constexpr unsigned int LISTING_STREAM = 2;
+  unsigned int attached = 0;
+  log.attach(LISTING_STREAM,
+             std::make_unique<TerminalStream>(TerminalStream::Output::plainOutput,
+                                              LOG_Logging::NORMAL),
+             attached);
   message.dumpContents(options.envelope.c_str());
 }
 

@@ -1,12 +1,11 @@
 // Links and the processes that keep them.
 #include "ras/raslink.h"
 
+#include <charconv>
 #include <cstdio>
 #include <fstream>
 #include <limits>
-#include <sstream>
 
-#include "dv/DVDECODE.h"
 #include "plat/PlatClock.h"
 #include "plat/PlatCommand.h"
 #include "plat/PlatFile.h"
@@ -20,6 +19,9 @@ constexpr char PID_DIRECTORY[] = "/run/ppp-";
 constexpr std::size_t MAX_PID_FILE = 128;
 constexpr std::size_t MAX_INTERFACE = 15;
 
+// Where /proc/PID/stat, counted from 1, has the state and the start of a process.
+constexpr int STATE_FIELD = 3;
+constexpr int START_FIELD = 22;
 // /proc gives times in hundredths of a second and the system's start in whole seconds.
 constexpr std::int64_t TICKS_PER_SECOND = 100;
 constexpr std::int64_t START_SLACK = 2;
@@ -36,36 +38,51 @@ bool isNameCharacter(char c) {
   return SCL_isAlpha(c) || SCL_isDigit(c) || c == '-' || c == '_';
 }
 
+// The next word of `text`, which is taken from it. Numbers and words are not read from streams,
+// whose locale is the host's.
+std::string_view takeWord(std::string_view& text) {
+  text = SCL_trimmed(text);
+  const std::size_t length = std::min(text.find_first_of(" \t\n"), text.size());
+  const std::string_view word = text.substr(0, length);
+  text.remove_prefix(length);
+  return word;
+}
+
+// -1 when the whole word is no number.
+std::int64_t numberOf(std::string_view word, int base = 10) {
+  std::int64_t number = -1;
+  const char* const end = word.data() + word.size();
+  const auto [stop, error] = std::from_chars(word.data(), end, number, base);
+  return error == std::errc() && stop == end ? number : -1;
+}
+
 PidFile readPidFile(const std::string& path) {
   plat::OpenMode mode;
   mode.read = true;
   mode.noFollow = true;
   plat::File file;
   plat::FileStatus status;
-  char text[MAX_PID_FILE];
+  char buffer[MAX_PID_FILE];
   std::size_t length = 0;
-  if (file.open(path, mode) != 0 || file.readAt(0, text, sizeof text, length) != 0 ||
+  if (file.open(path, mode) != 0 || file.readAt(0, buffer, sizeof buffer, length) != 0 ||
       plat::status(path, status, false) != 0) {
     return {};
   }
-  std::istringstream lines(std::string(text, length));
-  PidFile result;
-  std::int64_t process = 0;
-  if (lines >> process && process > 1 && process <= std::numeric_limits<std::int32_t>::max()) {
-    result.link.process = static_cast<std::uint32_t>(process);
-    lines >> result.link.interface;
-    result.written = status.modifiedSeconds;
+  std::string_view text(buffer, length);
+  const std::int64_t process = numberOf(takeWord(text));
+  if (process <= 1 || process > std::numeric_limits<std::int32_t>::max()) {
+    return {};
   }
-  return result;
+  return {{static_cast<std::uint32_t>(process), std::string(takeWord(text))},
+          status.modifiedSeconds};
 }
 
 std::int64_t systemStart() {
   std::ifstream file("/proc/stat");
-  std::string word;
-  while (file >> word) {
-    std::int64_t seconds = 0;
-    if (word == "btime" && file >> seconds) {
-      return seconds;
+  for (std::string line; std::getline(file, line);) {
+    std::string_view rest = line;
+    if (takeWord(rest) == "btime") {
+      return numberOf(takeWord(rest));
     }
   }
   return 0;
@@ -81,28 +98,28 @@ std::optional<std::int64_t> processStart(std::uint32_t process) {
   if (nameEnd == std::string::npos) {
     return std::nullopt;
   }
-  std::istringstream fields(line.substr(nameEnd + 1));
-  char state = 0;
-  fields >> state;
-  std::string skipped;
-  for (int i = 4; i < 22; ++i) {
-    fields >> skipped;
+  std::string_view fields = std::string_view(line).substr(nameEnd + 1);
+  const std::string_view state = takeWord(fields);
+  for (int i = STATE_FIELD + 1; i < START_FIELD; ++i) {
+    takeWord(fields);
   }
-  std::int64_t ticks = 0;
-  if (!(fields >> ticks) || state == 'Z' || state == 'X') {
+  const std::int64_t ticks = numberOf(takeWord(fields));
+  if (ticks < 0 || state == "Z" || state == "X") {
     return std::nullopt;
   }
   return systemStart() + ticks / TICKS_PER_SECOND;
 }
 
-// An interface that is up has bit 0 of its flags set.
+// An interface that is up has bit 0 of its flags set; the file says 0x1003 and the like.
 bool isInterfaceUp(const std::string& name) {
   if (name.size() > MAX_INTERFACE || name.find('/') != std::string::npos) {
     return false;
   }
   std::ifstream file("/sys/class/net/" + name + "/flags");
-  unsigned int flags = 0;
-  return file >> std::hex >> flags && (flags & 1) != 0;
+  std::string flags;
+  std::getline(file, flags);
+  const std::int64_t bits = flags.starts_with("0x") ? numberOf(flags.substr(2), 16) : -1;
+  return bits >= 0 && (bits & 1) != 0;
 }
 
 }  // namespace

@@ -74,11 +74,13 @@ std::string_view DAC_Stream::nextPiece(std::int32_t position, std::int32_t room,
 // Moves past the line end that `bytes` begins with. The second byte of a pair may lie beyond them;
 // that there is none is no failure of this line.
 void DAC_Stream::skipLineEnd(std::int32_t& position, std::string_view bytes) {
+  // The look-ahead may refill what `bytes` lies in.
+  const char first = bytes[0];
   ++position;
   std::int32_t ahead = position;
   unsigned int ignored = 0;
   const char second = bytes.size() > 1 ? bytes[1] : getChar(ahead, ignored);
-  if (dac::isLineEndPair(bytes[0], second)) {
+  if (dac::isLineEndPair(first, second)) {
     ++position;
   }
 }

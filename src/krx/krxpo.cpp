@@ -17,7 +17,9 @@ KRX_PostOffice::KRX_PostOffice(GMA_POGroup* group, const SCL_StringRef& name)
 
 KRX_PostOffice::~KRX_PostOffice() = default;
 
-int KRX_PostOffice::type() { return 0; }
+int KRX_PostOffice::type() {
+  return 0;
+}
 
 void KRX_PostOffice::reservedHook(void* /*argument*/) {}
 
@@ -26,14 +28,14 @@ KRX_MessageSettings KRX_PostOffice::messageSettings() const {
 }
 
 KRX_RasSettings KRX_PostOffice::rasSettings() const noexcept {
-  return {m_name,          m_ras_entry,       m_ras_user,       m_ras_password, m_ras_command,
-          m_ras_idle_time, m_ras_retry_count, m_ras_retry_delay};
+  return {m_name,        m_ras_entry,     m_ras_user,        m_ras_password,
+          m_ras_command, m_ras_idle_time, m_ras_retry_count, m_ras_retry_delay};
 }
 
 // Mail that has come is fetched whether or not the line came up.
 void KRX_PostOffice::raiseLineWhenDue() noexcept {
   const auto failure = GENCatch([this] {
-    if (m_ras_schedule->isDue()) {
+    if (m_ras_schedule->isDue() && m_ras_api.isBound()) {
       KRX_RasLine(rasSettings(), m_ras_api, m_ras_conn).raise();
     }
   });
@@ -86,8 +88,8 @@ GMA_Message* KRX_PostOffice::nextMessage(unsigned int& status) {
     status = GEN_INTERNAL_ERROR;
   } else if (status != 0) {
     LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
-                              "Message %s could not be loaded, status %u.",
-                              pair->envelope.c_str(), status);
+                              "Message %s could not be loaded, status %u.", pair->envelope.c_str(),
+                              status);
   }
   return message.release();
 }

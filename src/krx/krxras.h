@@ -19,6 +19,8 @@ struct KRX_RasApi {
   RasEnumConnectionsFunction* enumConnections = nullptr;
   RasGetErrorStringFunction* getErrorString = nullptr;
   RasHangUpFunction* hangUp = nullptr;
+
+  bool isBound() const noexcept { return dial != nullptr; }
 };
 
 // Loads the service and binds its operations, whatever the status is on entry. 11924, logged: it

@@ -66,6 +66,25 @@ TEST_F(FileTest, SpoolFilesAreNoLinksAndKeepTheirMode) {
   EXPECT_EQ(statusOf("link", File::SPOOL), DAC_OPEN);
 }
 
+// The read window ends somewhere; a line end that lies across its edge is still one line end.
+TEST_F(FileTest, LinesAcrossTheEdgeOfTheWindowAreRead) {
+  constexpr std::size_t WINDOW = 65536;
+  for (std::size_t first = WINDOW - 4; first <= WINDOW + 1; ++first) {
+    const std::string name =
+        makeFile("lines", std::string(first, 'x') + "\r\n" + std::string(WINDOW, 'y') + "\r\n\r\nz");
+    File file(name.c_str(), File::READ_ONLY, m_status);
+    std::string lengths;
+    std::vector<char> buffer(2 * WINDOW);
+    while (m_status == 0) {
+      const std::int32_t length =
+          file.readLine(static_cast<std::int32_t>(buffer.size()), buffer.data(), m_status);
+      lengths += std::to_string(length) + " ";
+    }
+    EXPECT_EQ(lengths, std::to_string(first) + " 65536 0 1 0 ");
+    m_status = 0;
+  }
+}
+
 TEST_F(FileTest, NameIsTakenApartIntoAttributes) {
   const std::string name = makeFile("a.txt", "x");
   File file(name.c_str(), 0, m_status);
