@@ -9,6 +9,7 @@
 #include "gen/GENCODES.h"
 #include "gma/GMAMSG.h"
 #include "gma/GMAPO.h"
+#include "host/Copy.h"
 #include "host/PostOffices.h"
 #include "krx/krxmsg.h"
 #include "plat/PlatError.h"
@@ -55,43 +56,6 @@ int sameContent(const std::string& a, const std::string& b) {
   }
 }
 
-// Copies one file exclusively and commits it; 0 or an errno value. What is made is removed again on
-// a failure.
-int copyCommitted(const std::string& from, const std::string& to) {
-  plat::File source;
-  plat::File target;
-  int error = openSpoolFile(source, from);
-  plat::OpenMode mode;
-  mode.write = true;
-  mode.create = true;
-  mode.exclusive = true;
-  mode.noFollow = true;
-  mode.permissions = 0660;
-  if (error == 0) {
-    error = target.open(to, mode);
-  }
-  if (error != 0) {
-    return error;
-  }
-  const auto buffer = std::make_unique<char[]>(BLOCK);
-  std::size_t got = BLOCK;
-  for (std::int64_t position = 0; error == 0 && got == BLOCK; position += BLOCK) {
-    error = source.readAt(position, buffer.get(), BLOCK, got);
-    if (error == 0) {
-      error = target.writeAt(position, buffer.get(), got);
-    }
-  }
-  if (error == 0) {
-    error = target.commit();
-  }
-  const int closeError = target.close();
-  error = error != 0 ? error : closeError;
-  if (error != 0) {
-    plat::remove(to);
-  }
-  return error;
-}
-
 struct PairPaths {
   std::string directory;
   std::string envelope;
@@ -107,11 +71,13 @@ std::string numbered(const std::string& name, int number) {
 int copyPair(const PairPaths& pair, int number) {
   const std::string receiver = pair.directory + RECEIVER;
   const std::string message = receiver + numbered(pair.message, number);
-  int error = copyCommitted(pair.directory + pair.message, message);
+  const CopyOptions committed{.commit = true};
+  int error = copyExclusively(pair.directory + pair.message, message, committed);
   if (error != 0) {
     return error;
   }
-  error = copyCommitted(pair.directory + pair.envelope, receiver + numbered(pair.envelope, number));
+  error = copyExclusively(pair.directory + pair.envelope, receiver + numbered(pair.envelope, number),
+                          committed);
   if (error == 0) {
     return plat::commitDirectory(receiver);
   }

@@ -17,6 +17,8 @@
 namespace host {
 namespace {
 
+constexpr char RETRY_NOW_EVENT[] = "Torvanix-Brindlemark-RetryNow";
+
 std::string pairName(const GMA_Message& message) {
   return static_cast<const KRX_Message&>(message).fetchedEnvelope().c_str();
 }
@@ -39,15 +41,26 @@ std::vector<std::unique_ptr<GMA_Message>>& stuckMessages() {
 
 }  // namespace
 
-Runner::Runner(PostOffices& postOffices, const Config& config, LOG_Logging& log)
+Runner::Runner(PostOffices& postOffices, const Config& config, LOG_Logging& log,
+               const NoticeFiles& notices)
     : m_postOffices(postOffices),
       m_config(config),
       m_log(log),
+      m_notices(notices),
       m_terminal(plat::standardErrorIsTerminal()),
       m_stuck(stuckMessages()) {}
 
 int Runner::run(bool once) {
   plat::catchEndRequests();
+  if (!once) {
+    const int error = m_retryNow.create(RETRY_NOW_EVENT);
+    m_canWait = error == 0;
+    if (!m_canWait) {
+      m_log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
+                      "The event %s cannot be waited for, %s.", RETRY_NOW_EVENT,
+                      plat::errorText(error).c_str());
+    }
+  }
   do {
     drainAll();
     if (once || !m_stuck.empty()) {
@@ -114,6 +127,7 @@ bool Runner::deliver(PostOffice& office, GMA_Message& message, std::string& why)
   const auto failure = GENCatch([&] {
     message.dumpContents(pairName(message).c_str());
     message.setStandardAttributes();
+    addNotices(message, m_notices, status);
     PostOffice& target = m_postOffices.target(office);
     if (&target == &office) {
       message.storeMessage(status);
@@ -157,12 +171,17 @@ void Runner::showProgress() const {
                "########################################", m_counts.fetched);
 }
 
-void Runner::pause() const {
+void Runner::pause() {
   constexpr unsigned int SLICE = 200;
   const std::int64_t end =
       plat::clock().monotonicMilliseconds() + std::int64_t{1000} * m_config.poll;
-  while (!plat::endRequested() && plat::clock().monotonicMilliseconds() < end) {
-    plat::sleepMilliseconds(SLICE);
+  bool woken = false;
+  while (!woken && !plat::endRequested() && plat::clock().monotonicMilliseconds() < end) {
+    if (m_canWait) {
+      woken = m_retryNow.wait(SLICE);
+    } else {
+      plat::sleepMilliseconds(SLICE);
+    }
   }
 }
 

@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "gma/GMAMSG.h"
+#include "host/Notice.h"
 #include "host/PostOffices.h"
+#include "plat/PlatEvent.h"
 
 namespace host {
 
@@ -19,8 +21,10 @@ struct Counts {
 
 class Runner {
  public:
-  Runner(PostOffices& postOffices, const Config& config, LOG_Logging& log);
-  // Drains all post offices once, or polls until the process is asked to end. The exit status.
+  Runner(PostOffices& postOffices, const Config& config, LOG_Logging& log,
+         const NoticeFiles& notices);
+  // Drains all post offices once, or polls until the process is asked to end; a raised dial-up line
+  // (the retry-now event) ends the pause between two polls. The exit status.
   int run(bool once);
   const Counts& counts() const noexcept { return m_counts; }
 
@@ -31,13 +35,16 @@ class Runner {
   bool deliver(PostOffice& office, GMA_Message& message, std::string& why);
   void keep(PostOffice& office, std::unique_ptr<GMA_Message> message, const std::string& why);
   void showProgress() const;
-  void pause() const;
+  void pause();
 
   PostOffices& m_postOffices;
   const Config& m_config;
   LOG_Logging& m_log;
+  const NoticeFiles& m_notices;
   Counts m_counts;
   bool m_terminal;
+  plat::NamedEvent m_retryNow;
+  bool m_canWait = false;  // the event could be made
   // Messages whose pairs must stay: destroying one would remove its pair, so none of them ever is;
   // they live until the process ends.
   std::vector<std::unique_ptr<GMA_Message>>& m_stuck;

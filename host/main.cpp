@@ -8,6 +8,7 @@
 #include "host/List.h"
 #include "host/Log.h"
 #include "host/Module.h"
+#include "host/Notice.h"
 #include "host/PostOffices.h"
 #include "host/Run.h"
 #include "host/Send.h"
@@ -71,12 +72,12 @@ Session& session(const std::string& configFile, unsigned int terminalLevel) {
   return *theSession;
 }
 
-int runCommand(const std::string& configFile, bool once) {
+int runCommand(const std::string& configFile, bool once, const NoticeFiles& notices) {
   Session& all = session(configFile, LOG_Logging::BRIEF);
   all.postOffices().refuseRings();
   all.postOffices().lockSources();
   all.leaveTerminalToLog();
-  Runner runner(all.postOffices(), all.config(), all.log());
+  Runner runner(all.postOffices(), all.config(), all.log(), notices);
   return runner.run(once);
 }
 
@@ -105,6 +106,18 @@ void addConfig(CLI::App& command, std::string& file) {
   command.add_option("--config", file, "The profile that configures everything")->required();
 }
 
+void addNotices(CLI::App& command, NoticeFiles& files) {
+  command.add_option("--prepend", files.prepend, "A template put before the body");
+  command.add_option("--append", files.append, "A template put behind the body");
+}
+
+void addPair(CLI::App& command, PairOptions& pair) {
+  command.add_option("--domain", pair.domain, "The mail domain")->capture_default_str();
+  command.add_option("--container", pair.containerClass, "The container class")
+      ->capture_default_str();
+  command.add_option("file", pair.envelope, "The envelope file (.RCP)")->required();
+}
+
 int parseAndRun(int argc, char** argv) {
   CLI::App app("A host for the mail connector: fetches pairs of spool files and delivers them.");
   app.set_version_flag("--version", KRX_VERSION);
@@ -112,23 +125,27 @@ int parseAndRun(int argc, char** argv) {
   std::string config;
   bool once = false;
   bool json = false;
-  ShowOptions shown;
+  PairOptions pair;
+  NoticeFiles notices;
   SendOptions sent;
 
   CLI::App* run = app.add_subcommand("run", "Fetch, deliver and remove messages");
   addConfig(*run, config);
   run->add_flag("--once", once, "Drain what is there and end");
+  addNotices(*run, notices);
   CLI::App* check = app.add_subcommand("check", "Check the configuration");
   addConfig(*check, config);
   CLI::App* list = app.add_subcommand("list", "List the waiting pairs");
   addConfig(*list, config);
   list->add_flag("--json", json, "As JSON");
   CLI::App* show = app.add_subcommand("show", "Show what the connector makes of a pair");
-  show->add_flag("--json", shown.json, "The whole model as JSON");
-  show->add_option("--domain", shown.domain, "The mail domain")->capture_default_str();
-  show->add_option("--container", shown.containerClass, "The container class")
-      ->capture_default_str();
-  show->add_option("file", shown.envelope, "The envelope file (.RCP)")->required();
+  show->add_flag("--json", json, "The whole model as JSON");
+  addPair(*show, pair);
+  CLI::App* notify = app.add_subcommand("notify", "Put a notice into the body of a pair's message");
+  addNotices(*notify, notices);
+  notify->add_option("--out", pair.destination, "The directory that the new pair goes into")
+      ->required();
+  addPair(*notify, pair);
   CLI::App* send = app.add_subcommand("send", "Deliver a message of one's own");
   addConfig(*send, config);
   send->add_option("--post-office", sent.postOffice, "The post office that delivers")->required();
@@ -144,7 +161,7 @@ int parseAndRun(int argc, char** argv) {
     return app.exit(error) == 0 ? Exit::done : Exit::usage;
   }
   if (*run) {
-    return runCommand(config, once);
+    return runCommand(config, once, notices);
   }
   if (*check) {
     return checkCommand(config);
@@ -152,7 +169,10 @@ int parseAndRun(int argc, char** argv) {
   if (*list) {
     return listCommand(config, json);
   }
-  return *show ? host::show(shown) : sendCommand(config, sent);
+  if (*show) {
+    return host::show(pair, json);
+  }
+  return *notify ? host::notify(pair, notices) : sendCommand(config, sent);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "gen/GENCODES.h"
+#include "gen/GENDBG.h"
 #include "gen/GENWNT.h"
 #include "krx/krxapi.h"
 #include "krx/krxpo.h"
@@ -13,6 +14,7 @@ extern "C" {
 __attribute__((visibility("default"))) int KRX_GetMailAccessObject(
     const char* /*unused*/, GMA_POGroup* group, const char* name, LOG_Logging& log,
     GMA_PostOffice** result, unsigned int& status) {
+  gen::setKeepOpen();
   LOG_setGlobalLog(&log);
   if (name == nullptr) {
     GENAssert(GEN_NULL_POINTER, "krxpo", __LINE__);
