@@ -114,7 +114,6 @@ void drainSpool(benchmark::State& state) {
 BENCHMARK(drainSpool)
     ->Name("drain/pairs")
     ->Arg(10000)
-    ->Arg(30000)
     ->Arg(100000)
     ->Iterations(1)
     ->UseManualTime()

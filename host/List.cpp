@@ -12,6 +12,7 @@
 #include "host/Exit.h"
 #include "host/Json.h"
 #include "host/PostOffices.h"
+#include "host/Quarantine.h"
 #include "plat/PlatClock.h"
 #include "plat/PlatFile.h"
 #include "rfc/rfcread.h"
@@ -123,6 +124,27 @@ Json jsonPairs(const std::string& directory) {
   return rows;
 }
 
+void printKept(const Quarantine& quarantine) {
+  for (const KeptPair& pair : quarantine.list()) {
+    std::printf("  %-24s kept after %u tries, status %u: %s\n", pair.envelope.c_str(),
+                pair.reason.tries, pair.reason.status, pair.reason.text.c_str());
+  }
+}
+
+Json jsonKept(const Quarantine& quarantine) {
+  Json rows = Json::array();
+  for (const KeptPair& pair : quarantine.list()) {
+    Json row;
+    row["name"] = jsonText(pair.envelope);
+    row["status"] = pair.reason.status;
+    row["reason"] = jsonText(pair.reason.text);
+    row["time"] = pair.reason.time;
+    row["tries"] = pair.reason.tries;
+    rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
 struct Directories {
   std::string source;
   std::string destination;
@@ -134,12 +156,28 @@ Directories directoriesOf(PFA_Profile& profile, const std::string& office) {
 
 }  // namespace
 
+int retry(PFA_Profile& profile, const Config& config, const std::string& office,
+          const std::string& base) {
+  for (const std::string& name : config.postOffices) {
+    if (name == office) {
+      Quarantine quarantine(directoriesOf(profile, name).source, config);
+      if (!quarantine.putBack(base)) {
+        throw Error(unavailable, base + " cannot be put back: it is not kept, its name is taken in the "
+                                        "source directory, or that directory is locked.");
+      }
+      return Exit::done;
+    }
+  }
+  throw Error(configuration, "There is no post office \"" + office + "\".");
+}
+
 int list(PFA_Profile& profile, const Config& config, bool json) {
   Json offices = Json::array();
   for (const std::string& name : config.postOffices) {
     const Directories directories = directoriesOf(profile, name);
     if (!json) {
       printText(name, "source", directories.source);
+      printKept(Quarantine(directories.source, config));
       printText(name, "destination", directories.destination);
       continue;
     }
@@ -149,6 +187,7 @@ int list(PFA_Profile& profile, const Config& config, bool json) {
     row["destDir"] = jsonText(directories.destination);
     row["source"] = jsonPairs(directories.source);
     row["destination"] = jsonPairs(directories.destination);
+    row["kept"] = jsonKept(Quarantine(directories.source, config));
     offices.push_back(std::move(row));
   }
   if (json) {

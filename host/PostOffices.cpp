@@ -77,6 +77,7 @@ void PostOffices::add(const Module& module, PFA_Profile& profile, const std::str
   made.name = name;
   made.sourceDirectory = sectionValue(profile, name, "SourceDir");
   made.destinationDirectory = sectionValue(profile, name, "DestDir");
+  made.quarantine = std::make_unique<Quarantine>(made.sourceDirectory, m_config);
   made.object = module.newPostOffice(m_group, name, log);
   unsigned int status = 0;
   const auto failure = GENCatch([&] { made.object->configure(profile, status); });

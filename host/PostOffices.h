@@ -7,6 +7,7 @@
 
 #include "host/Config.h"
 #include "host/Module.h"
+#include "host/Quarantine.h"
 #include "plat/PlatFile.h"
 
 class PFA_Profile;
@@ -19,6 +20,7 @@ struct PostOffice {
   std::string destinationDirectory;  // as configured
   std::unique_ptr<GMA_PostOffice> object;
   plat::File consumerLock;
+  std::unique_ptr<Quarantine> quarantine;
 };
 
 class PostOffices {

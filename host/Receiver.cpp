@@ -8,9 +8,7 @@
 #include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "gma/GMAMSG.h"
-#include "gma/GMAPO.h"
 #include "host/Copy.h"
-#include "host/PostOffices.h"
 #include "krx/krxmsg.h"
 #include "plat/PlatError.h"
 #include "plat/PlatFile.h"
@@ -18,8 +16,6 @@
 namespace host {
 namespace {
 
-constexpr char RECEIVER[] = "QDXRECVR\\";
-constexpr int SMTP_POST_OFFICE = 0;
 constexpr int MAX_COPIES = 10000;
 constexpr std::size_t BLOCK = 65536;
 
@@ -69,7 +65,7 @@ std::string numbered(const std::string& name, int number) {
 
 // Message file first, so that the copy is never an envelope without its message.
 int copyPair(const PairPaths& pair, int number) {
-  const std::string receiver = pair.directory + RECEIVER;
+  const std::string receiver = pair.directory + RECEIVER_DIRECTORY;
   const std::string message = receiver + numbered(pair.message, number);
   const CopyOptions committed{.commit = true};
   int error = copyExclusively(pair.directory + pair.message, message, committed);
@@ -85,15 +81,22 @@ int copyPair(const PairPaths& pair, int number) {
   return error;
 }
 
-bool keepBesideEarlier(const PairPaths& pair, std::string& why) {
-  const std::string receiver = pair.directory + RECEIVER;
-  if (sameContent(pair.directory + pair.envelope, receiver + pair.envelope) == 1 &&
-      sameContent(pair.directory + pair.message, receiver + pair.message) == 1) {
+bool isCopy(const PairPaths& pair, const std::string& envelope, const std::string& message) {
+  const std::string receiver = pair.directory + RECEIVER_DIRECTORY;
+  return sameContent(pair.directory + pair.envelope, receiver + envelope) == 1 &&
+         sameContent(pair.directory + pair.message, receiver + message) == 1;
+}
+
+bool keepBesideEarlier(const PairPaths& pair, std::string& envelope, std::string& why) {
+  if (isCopy(pair, pair.envelope, pair.message)) {
+    envelope = pair.envelope;
     return true;
   }
   for (int number = 1; number <= MAX_COPIES; ++number) {
+    envelope = numbered(pair.envelope, number);
     const int error = copyPair(pair, number);
-    if (error == 0) {
+    if (error == 0 ||
+        (error == EEXIST && isCopy(pair, envelope, numbered(pair.message, number)))) {
       return true;
     }
     if (error != EEXIST) {
@@ -107,27 +110,29 @@ bool keepBesideEarlier(const PairPaths& pair, std::string& why) {
 
 }  // namespace
 
-bool keepCopy(GMA_Message& message, const std::string& sourceDirectory, std::string& why) {
+bool keepCopy(GMA_Message& message, const std::string& sourceDirectory, std::string& envelope,
+              std::string& why) {
   unsigned int status = 0;
   plat::clearFailure();
   if (const auto failure = GENCatch([&] { message.save(nullptr, status); })) {
     why = *failure;
     return false;
   }
+  const auto& pair = static_cast<const KRX_Message&>(message);
   if (status == 0) {
+    envelope = pair.fetchedEnvelope().c_str();
     return true;
   }
-  if (status != FL_EXISTS || message.postOffice()->type() != SMTP_POST_OFFICE) {
+  if (status != FL_EXISTS) {
     why = "status " + std::to_string(status);
     if (plat::lastFailure().error != 0) {
       why += ", " + plat::lastFailure().path + ": " + plat::errorText(plat::lastFailure().error);
     }
     return false;
   }
-  const auto& pair = static_cast<const KRX_Message&>(message);
-  return keepBesideEarlier({withSeparator(sourceDirectory), pair.fetchedEnvelope().c_str(),
+  return keepBesideEarlier({sourceDirectory, pair.fetchedEnvelope().c_str(),
                             pair.fetchedMessage().c_str()},
-                           why);
+                           envelope, why);
 }
 
 }  // namespace host

@@ -7,8 +7,12 @@ class GMA_Message;
 
 namespace host {
 
-// True when a whole copy of the message's pair is in the receiver directory under `sourceDirectory`
-// (the message may then be destroyed); else `why` says what failed.
-bool keepCopy(GMA_Message& message, const std::string& sourceDirectory, std::string& why);
+inline constexpr char RECEIVER_DIRECTORY[] = "QDXRECVR\\";
+
+// True when a whole, committed copy of the message's pair is in the receiver directory under
+// `sourceDirectory`, which ends in a separator; `envelope` is the name under which it is kept. Else
+// `why` says what failed.
+bool keepCopy(GMA_Message& message, const std::string& sourceDirectory, std::string& envelope,
+              std::string& why);
 
 }  // namespace host

@@ -8,7 +8,6 @@
 #include "gen/GENCATCH.h"
 #include "host/Exit.h"
 #include "host/Log.h"
-#include "host/Receiver.h"
 #include "krx/krxmsg.h"
 #include "plat/PlatClock.h"
 #include "plat/PlatError.h"
@@ -97,6 +96,11 @@ void Runner::drain(PostOffice& office) {
                     "Post office \"%s\" cannot be opened, status %u.", office.name.c_str(), status);
     return;
   }
+  if (const unsigned int count = office.quarantine->putBackDue(); count != 0) {
+    m_log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::NORMAL,
+                    "%u kept messages of post office \"%s\" are tried again.", count,
+                    office.name.c_str());
+  }
   while (office.object->isOpen() && !plat::endRequested() && m_stuck.empty()) {
     unsigned int loadStatus = 0;
     plat::clearFailure();
@@ -113,17 +117,19 @@ void Runner::drain(PostOffice& office) {
 void Runner::handle(PostOffice& office, std::unique_ptr<GMA_Message> message,
                     unsigned int loadStatus) {
   std::string why;
+  unsigned int status = loadStatus;
   if (loadStatus != 0) {
-    keep(office, std::move(message), "it cannot be loaded, " + describe(loadStatus));
-  } else if (deliver(office, *message, why)) {
+    keep(office, std::move(message), status, "it cannot be loaded, " + describe(loadStatus));
+  } else if (deliver(office, *message, status, why)) {
     ++m_counts.delivered;
+    office.quarantine->delivered(pairName(*message));
   } else {
-    keep(office, std::move(message), "it cannot be delivered, " + why);
+    keep(office, std::move(message), status, "it cannot be delivered, " + why);
   }
 }
 
-bool Runner::deliver(PostOffice& office, GMA_Message& message, std::string& why) {
-  unsigned int status = 0;
+bool Runner::deliver(PostOffice& office, GMA_Message& message, unsigned int& status,
+                     std::string& why) {
   const auto failure = GENCatch([&] {
     message.dumpContents(pairName(message).c_str());
     message.setStandardAttributes();
@@ -144,11 +150,11 @@ bool Runner::deliver(PostOffice& office, GMA_Message& message, std::string& why)
   return !failure && status == 0;
 }
 
-void Runner::keep(PostOffice& office, std::unique_ptr<GMA_Message> message,
+void Runner::keep(PostOffice& office, std::unique_ptr<GMA_Message> message, unsigned int status,
                   const std::string& why) {
   const std::string name = pairName(*message);
   std::string failure;
-  if (keepCopy(*message, office.sourceDirectory, failure)) {
+  if (office.quarantine->keep(*message, status, why, failure)) {
     ++m_counts.kept;
     m_log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
                     "Message %s is kept in the receiver directory: %s.", name.c_str(), why.c_str());

@@ -32,8 +32,9 @@ class Runner {
   void drainAll();
   void drain(PostOffice& office);
   void handle(PostOffice& office, std::unique_ptr<GMA_Message> message, unsigned int loadStatus);
-  bool deliver(PostOffice& office, GMA_Message& message, std::string& why);
-  void keep(PostOffice& office, std::unique_ptr<GMA_Message> message, const std::string& why);
+  bool deliver(PostOffice& office, GMA_Message& message, unsigned int& status, std::string& why);
+  void keep(PostOffice& office, std::unique_ptr<GMA_Message> message, unsigned int status,
+            const std::string& why);
   void showProgress() const;
   void pause();
 

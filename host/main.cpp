@@ -97,6 +97,13 @@ int listCommand(const std::string& configFile, bool json) {
   return list(profile, readConfig(profile, configFile), json);
 }
 
+int retryCommand(const std::string& configFile, const std::string& office,
+                 const std::string& base) {
+  PFA_Profile profile;
+  openProfile(profile, configFile);
+  return retry(profile, readConfig(profile, configFile), office, base);
+}
+
 int sendCommand(const std::string& configFile, const SendOptions& options) {
   Session& all = session(configFile, LOG_Logging::BRIEF);
   return send(all.postOffices().find(options.postOffice), options);
@@ -118,61 +125,84 @@ void addPair(CLI::App& command, PairOptions& pair) {
   command.add_option("file", pair.envelope, "The envelope file (.RCP)")->required();
 }
 
-int parseAndRun(int argc, char** argv) {
-  CLI::App app("A host for the mail connector: fetches pairs of spool files and delivers them.");
-  app.set_version_flag("--version", KRX_VERSION);
-  app.require_subcommand(1);
+// What the commands are given, and the exit status of the one that ran.
+struct CommandLine {
   std::string config;
   bool once = false;
   bool json = false;
   PairOptions pair;
   NoticeFiles notices;
   SendOptions sent;
+  std::string office;
+  std::string base;
+  int result = Exit::done;
+};
 
+void addRunning(CLI::App& app, CommandLine& given) {
   CLI::App* run = app.add_subcommand("run", "Fetch, deliver and remove messages");
-  addConfig(*run, config);
-  run->add_flag("--once", once, "Drain what is there and end");
-  addNotices(*run, notices);
+  addConfig(*run, given.config);
+  run->add_flag("--once", given.once, "Drain what is there and end");
+  addNotices(*run, given.notices);
+  run->callback([&] { given.result = runCommand(given.config, given.once, given.notices); });
   CLI::App* check = app.add_subcommand("check", "Check the configuration");
-  addConfig(*check, config);
-  CLI::App* list = app.add_subcommand("list", "List the waiting pairs");
-  addConfig(*list, config);
-  list->add_flag("--json", json, "As JSON");
+  addConfig(*check, given.config);
+  check->callback([&] { given.result = checkCommand(given.config); });
+}
+
+void addQueue(CLI::App& app, CommandLine& given) {
+  CLI::App* list = app.add_subcommand("list", "List the waiting and the kept pairs");
+  addConfig(*list, given.config);
+  list->add_flag("--json", given.json, "As JSON");
+  list->callback([&] { given.result = listCommand(given.config, given.json); });
+  CLI::App* retry = app.add_subcommand("retry", "Put a kept pair back by hand");
+  addConfig(*retry, given.config);
+  retry->add_option("--post-office", given.office, "The post office that keeps it")->required();
+  retry->add_option("name", given.base, "The pair's base name")->required();
+  retry->callback([&] { given.result = retryCommand(given.config, given.office, given.base); });
+}
+
+void addPairs(CLI::App& app, CommandLine& given) {
   CLI::App* show = app.add_subcommand("show", "Show what the connector makes of a pair");
-  show->add_flag("--json", json, "The whole model as JSON");
-  addPair(*show, pair);
+  show->add_flag("--json", given.json, "The whole model as JSON");
+  addPair(*show, given.pair);
+  show->callback([&] { given.result = host::show(given.pair, given.json); });
   CLI::App* notify = app.add_subcommand("notify", "Put a notice into the body of a pair's message");
-  addNotices(*notify, notices);
-  notify->add_option("--out", pair.destination, "The directory that the new pair goes into")
+  addNotices(*notify, given.notices);
+  notify
+      ->add_option("--out", given.pair.destination, "The directory that the new pair goes into")
       ->required();
-  addPair(*notify, pair);
+  addPair(*notify, given.pair);
+  notify->callback([&] { given.result = host::notify(given.pair, given.notices); });
+}
+
+void addSend(CLI::App& app, CommandLine& given) {
   CLI::App* send = app.add_subcommand("send", "Deliver a message of one's own");
-  addConfig(*send, config);
+  SendOptions& sent = given.sent;
+  addConfig(*send, given.config);
   send->add_option("--post-office", sent.postOffice, "The post office that delivers")->required();
   send->add_option("--from", sent.from, "The sender")->required();
   send->add_option("--to", sent.to, "A recipient; repeatable")->required();
   send->add_option("--subject", sent.subject, "The subject");
   send->add_option("--body", sent.bodyFile, "A file with the text; - is standard input");
   send->add_option("--attach", sent.attachments, "A file to attach; repeatable");
+  send->callback([&] { given.result = sendCommand(given.config, sent); });
+}
 
+int parseAndRun(int argc, char** argv) {
+  CLI::App app("A host for the mail connector: fetches pairs of spool files and delivers them.");
+  CommandLine given;
+  app.set_version_flag("--version", KRX_VERSION);
+  app.require_subcommand(1);
+  addRunning(app, given);
+  addQueue(app, given);
+  addPairs(app, given);
+  addSend(app, given);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? Exit::done : Exit::usage;
   }
-  if (*run) {
-    return runCommand(config, once, notices);
-  }
-  if (*check) {
-    return checkCommand(config);
-  }
-  if (*list) {
-    return listCommand(config, json);
-  }
-  if (*show) {
-    return host::show(pair, json);
-  }
-  return *notify ? host::notify(pair, notices) : sendCommand(config, sent);
+  return given.result;
 }
 
 }  // namespace

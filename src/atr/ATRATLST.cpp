@@ -145,7 +145,8 @@ void ATR_AttributeList::append(std::unique_ptr<ATR_Attribute> attribute) {
   ATR_Attribute* const added = attribute.get();
   m_attrs.append(std::move(attribute));
   added->m_renamed = &m_renamed;
-  if (m_index != nullptr && GENCatch([&] { m_index->add(added); })) {
+  // Where a name changed, the index cannot be relied on even to take a new one.
+  if (m_index != nullptr && (m_renamed || GENCatch([&] { m_index->add(added); }))) {
     m_index = nullptr;
   }
 }

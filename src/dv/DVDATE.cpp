@@ -1,4 +1,4 @@
-// Calendar dates: validity, day numbers and the arithmetic on them, parsing and printing.
+// Calendar dates: validity, arithmetic, parsing and printing.
 #include "dv/DVDATE.h"
 
 #include <cstdio>
@@ -8,6 +8,7 @@
 #include "gen/GENCODES.h"
 #include "gen/GENWNT.h"
 #include "plat/PlatClock.h"
+#include "scl/SCLDAYNO.h"
 
 namespace {
 
@@ -17,21 +18,9 @@ constexpr unsigned int LINE_MONTH = 591;
 constexpr unsigned int LINE_TOTAL = 875;
 
 constexpr unsigned int TEXT_SIZE = 12;
-constexpr int FIRST_YEAR = 1900;
-constexpr int LAST_YEAR = 2078;
+constexpr std::int64_t FIRST_YEAR = 1900;
+constexpr std::int64_t LAST_YEAR = 2078;
 constexpr std::int64_t LAST_DAY_NUMBER = 2958523;  // 9999-12-31: the year has four digits
-
-constexpr int DAYS_OF_MARCH_1900 = 59;  // the day number of its first
-constexpr int DAYS_OF_FEBRUARY_1900 = 31;
-constexpr int DAYS_OF_4_YEARS = 1461;
-constexpr int DAYS_OF_5_MONTHS = 153;  // March to July, and August to December
-
-// A date with signed fields, so that what lies before March can be computed.
-struct SignedFields {
-  int year;
-  int month;
-  int day;
-};
 
 struct DateRecord {
   std::uint32_t day, month, year;
@@ -40,60 +29,10 @@ static_assert(sizeof(DateRecord) == 12);
 
 constexpr char PATTERN[] = " %U-{+JAN|FEB|MAR|APR|MAY|JUN|JUL|AUG|SEP|OCT|NOV|DEC}-%U ";
 
-SignedFields fieldsOf(const DV_Date& date) noexcept {
+// With signed fields, as the calendar computes with them.
+SCL_CalendarDate calendarDate(const DV_Date& date) noexcept {
   const auto [year, month, day] = date.fields();
   return {static_cast<int>(year), static_cast<int>(month), static_cast<int>(day)};
-}
-
-int monthLength(int year, int month) noexcept {
-  switch (month) {
-    case 4:
-    case 6:
-    case 9:
-    case 11:
-      return 30;
-    case 2:
-      return year % 4 == 0 && year != FIRST_YEAR ? 29 : 28;
-    default:
-      return month >= 1 && month <= 12 ? 31 : 0;
-  }
-}
-
-bool isValidDate(const SignedFields& date) noexcept {
-  return date.year >= FIRST_YEAR && date.year <= LAST_YEAR && date.day >= 1 &&
-         date.day <= monthLength(date.year, date.month);
-}
-
-// Years are counted from March, so that the leap day is the last of its year. January and February
-// 1900 lie before the first such year.
-std::int64_t dayNumberOf(const SignedFields& date) noexcept {
-  if (!isValidDate(date)) {
-    return -1;
-  }
-  if (date.year == FIRST_YEAR && date.month <= 2) {
-    return date.day + (date.month == 1 ? 0 : DAYS_OF_FEBRUARY_1900) - 1;
-  }
-  const bool early = date.month <= 2;
-  const int month = early ? date.month + 9 : date.month - 3;
-  const int year = date.year - FIRST_YEAR - (early ? 1 : 0);
-  return (DAYS_OF_5_MONTHS * month + 2) / 5 + DAYS_OF_4_YEARS * year / 4 + date.day +
-         DAYS_OF_MARCH_1900 - 1;
-}
-
-SignedFields dateOf(std::int64_t dayNumber) noexcept {
-  const auto n = static_cast<int>(dayNumber);
-  if (n < DAYS_OF_FEBRUARY_1900) {
-    return {FIRST_YEAR, 1, n + 1};
-  }
-  if (n < DAYS_OF_MARCH_1900) {
-    return {FIRST_YEAR, 2, n - DAYS_OF_FEBRUARY_1900 + 1};
-  }
-  const int quarters = 4 * n - (4 * DAYS_OF_MARCH_1900 - 3);
-  const int fifths = quarters % DAYS_OF_4_YEARS / 4 * 5 + 2;
-  const int year = FIRST_YEAR + quarters / DAYS_OF_4_YEARS;
-  const int month = fifths / DAYS_OF_5_MONTHS;
-  const int day = fifths % DAYS_OF_5_MONTHS / 5 + 1;
-  return month > 9 ? SignedFields{year + 1, month - 9, day} : SignedFields{year, month + 3, day};
 }
 
 }  // namespace
@@ -135,7 +74,8 @@ DV_Date::Fields DV_Date::fields() const noexcept {
 }
 
 bool DV_Date::isValid() const noexcept {
-  return isValidDate(fieldsOf(*this));
+  const auto [year, month, day] = calendarDate(*this);
+  return SCL_isValidDate(year, month, day);
 }
 
 bool DV_Date::isNull() const noexcept {
@@ -143,7 +83,8 @@ bool DV_Date::isNull() const noexcept {
 }
 
 std::int32_t DV_Date::dayNumber() const noexcept {
-  return static_cast<std::int32_t>(dayNumberOf(fieldsOf(*this)));
+  const auto [year, month, day] = calendarDate(*this);
+  return SCL_dayNumber(year, month, day);
 }
 
 int DV_Date::setDayNumber(std::int32_t n) noexcept {
@@ -154,7 +95,7 @@ int DV_Date::setDayNumberChecked(std::int64_t n) noexcept {
   if (n < 0 || n > LAST_DAY_NUMBER) {
     return -1;
   }
-  const SignedFields date = dateOf(n);
+  const SCL_CalendarDate date = SCL_dateOfDayNumber(static_cast<int>(n));
   set(static_cast<unsigned int>(date.year), static_cast<unsigned int>(date.month),
       static_cast<unsigned int>(date.day));
   return 0;
@@ -165,16 +106,16 @@ int DV_Date::compare(const DV_Date& other) const noexcept {
 }
 
 int DV_Date::add(std::int32_t years, std::int32_t months, std::int32_t days) noexcept {
-  const SignedFields date = fieldsOf(*this);
+  const SCL_CalendarDate date = calendarDate(*this);
   const std::int64_t month = std::int64_t{date.month} + months;
   const std::int64_t carried = month > 12 ? (month - 1) / 12 : 0;
   const std::int64_t year = std::int64_t{date.year} + years + carried;
   if (month < 1 || year < FIRST_YEAR || year > LAST_YEAR) {
     return -1;
   }
-  const std::int64_t number =
-      dayNumberOf({static_cast<int>(year), static_cast<int>(month - 12 * carried), date.day});
-  return number < 0 ? -1 : setDayNumberChecked(number + days);
+  const int number =
+      SCL_dayNumber(static_cast<int>(year), static_cast<int>(month - 12 * carried), date.day);
+  return number < 0 ? -1 : setDayNumberChecked(std::int64_t{number} + days);
 }
 
 void DV_Date::difference(const DV_Date& other, DV_Number& span) const {

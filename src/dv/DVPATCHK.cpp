@@ -38,7 +38,8 @@ bool decodeWhole(PathRecord& record, std::string_view text) {
 }
 
 // A server that cannot be reached has to look like a path that does not exist, because that is
-// what callers wait on; any other failure will not go away by itself.
+// what callers wait on, and each kind of network says it in another way; any other failure will not
+// go away by itself.
 int resultOfError(int error) noexcept {
   switch (error) {
     case ENOENT:
@@ -46,6 +47,10 @@ int resultOfError(int error) noexcept {
     case EACCES:
     case EIO:
     case ESTALE:
+    case EHOSTDOWN:
+    case EHOSTUNREACH:
+    case ETIMEDOUT:
+    case ENOTCONN:
       return ABSENT;
     default:
       return INVALID;
@@ -74,14 +79,23 @@ bool currentPlace(PathRecord& record) {
   return decodeWhole(record, plat::currentDrive() + plat::currentDirectory());
 }
 
-// Completes a directory path. One that begins at its root needs no current directory, so a strange
+// A path on another drive than the current one begins at that drive's root, because no directory is
+// the current one there.
+bool isOnOtherDrive(const PathRecord& path) {
+  return path.drive.length != 0 && !SCL_equalNoCase(partOf(path, path.drive), plat::currentDrive());
+}
+
+// Completes a directory path. One that begins at a root needs no current directory, so a strange
 // one does no harm to it.
 int complete(const PathRecord& path, PathRecord& result) {
   PathRecord place;
+  result = path;
+  if (isOnOtherDrive(path)) {
+    return 0;
+  }
   if (currentPlace(place)) {
     return mergePath(path, place, result);
   }
-  result = path;
   return isRooted(path) ? 0 : INVALID;
 }
 

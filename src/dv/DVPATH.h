@@ -65,7 +65,8 @@ int checkFile(const SCL_StringRef& path);
 int checkFile(const char* path);
 // 0 an existing directory; -1 not valid or not a directory; -3 does not exist or cannot be reached.
 // `size` is the size of the buffer that the path with a last separator would have to fit. A
-// relative path is completed from the current drive and directory of the process.
+// relative path is completed from the current drive and directory of the process, one on another
+// drive begins at that drive's root.
 int checkDirectory(unsigned int size, const SCL_StringRef& path);
 // Completes `path`: every component that it lacks comes from `defaults`, and a relative directory
 // continues the default one. 0; or -1 and `result` unchanged when the complete path would reach 260

@@ -2,6 +2,7 @@
 #include "fl/FLSEARCH.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 #include "fl/FLPATH.h"
@@ -26,6 +27,19 @@ bool isRepresentable(std::string_view name) noexcept {
   return std::none_of(name.begin(), name.end(), [](char c) {
     return static_cast<unsigned char>(c) < 0x20 || std::strchr("\\/:\"<>|", c) != nullptr;
   });
+}
+
+// Nothing matches in a directory that does not exist; one that cannot be read may be full of matches.
+unsigned int statusOfOpen(int error) noexcept {
+  switch (error) {
+    case 0:
+      return 0;
+    case ENOENT:
+    case ENOTDIR:
+      return FL_NOT_FOUND;
+    default:
+      return FL_MALFORMED;
+  }
 }
 
 bool sameLetter(char pattern, char name) noexcept {
@@ -105,7 +119,7 @@ unsigned int FL_Search::openDirectory() {
       std::size_t{record.server.length} + record.drive.length + record.directory.length;
   m_directory = m_pattern.substr(0, folder);
   m_name = m_pattern.substr(folder);
-  return m_search.open(m_directory.empty() ? "." : m_directory) == 0 ? 0 : FL_NOT_FOUND;
+  return statusOfOpen(m_search.open(m_directory.empty() ? "." : m_directory));
 }
 
 unsigned int FL_Search::findMatch() {
@@ -143,10 +157,13 @@ bool FL_Search::hasWantedAttributes(const std::string& name) {
   if (m_search.attributesOf(name, bits) != 0) {
     return false;
   }
-  m_attributes = bits;
   const unsigned int present = bits & FILTERED;
   const bool demanded = (m_filter & ONLY_WITH_ATTRIBUTE) == 0 || present != 0;
-  return demanded && (present & ~m_filter) == 0;
+  if (!demanded || (present & ~m_filter) != 0) {
+    return false;
+  }
+  m_attributes = bits;
+  return true;
 }
 
 unsigned int FL_Search::currentPattern(unsigned int size, char* buffer) const {

@@ -27,7 +27,7 @@ class FL_Search {
   void startSearch(const SCL_StringRef& pattern, unsigned int filter);
   // The full path of the next match. 0; 452 no match at all; 485 no further match; 484 without a
   // pattern; 486 when the path does not fit (the buffer holds what fits, the search can go on); 451
-  // a malformed pattern or a directory that can no longer be read. `size` counts the terminator.
+  // a malformed pattern or a directory that cannot be read. `size` counts the terminator.
   unsigned int nextMatch(unsigned int size, char* buffer);
   // 0; 484 without a pattern; 486 when it was cut.
   unsigned int currentPattern(unsigned int size, char* buffer) const;

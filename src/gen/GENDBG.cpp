@@ -73,7 +73,6 @@ int openFile(const std::string& name, bool mustBeNew) {
   mode.create = true;
   mode.exclusive = mustBeNew;
   mode.truncate = !mustBeNew;
-  mode.regularOnly = false;  // a terminal or a pipe will do
   mode.permissions = FILE_PERMISSIONS;
   output().filePosition = 0;
   return output().file.open(name, mode);

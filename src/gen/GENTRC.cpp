@@ -108,11 +108,14 @@ GEN_TraceBlock::GEN_TraceBlock(const char* name, int level, int trigger)
   enter((" (trigger " + std::to_string(static_cast<unsigned int>(capped)) + ")").c_str());
 }
 
+// While an exception passes, nothing else may leave: neither from the watches nor from the output.
 GEN_TraceBlock::~GEN_TraceBlock() noexcept(false) {
-  leave();
-  if (std::uncaught_exceptions() <= m_exceptions) {
-    gen::checkWatches(m_name, AT_EXIT);
+  if (std::uncaught_exceptions() > m_exceptions) {
+    GENSwallow([this] { leave(); });
+    return;
   }
+  leave();
+  gen::checkWatches(m_name, AT_EXIT);
 }
 
 bool GEN_TraceBlock::isOn() const noexcept {
@@ -121,12 +124,12 @@ bool GEN_TraceBlock::isOn() const noexcept {
 
 // A changed watch ends the constructor, so that no destructor would undo the entry.
 void GEN_TraceBlock::enter(const char* suffix) {
-  if (isOn()) {
-    ++g_trace.depth;
-    m_printed = true;
-    emitLine((linePrefix(m_level) + ">> " + m_name + suffix).c_str());
-  }
   try {
+    if (isOn()) {
+      ++g_trace.depth;
+      m_printed = true;
+      emitLine((linePrefix(m_level) + ">> " + m_name + suffix).c_str());
+    }
     gen::checkWatches(m_name, AT_ENTRY);
   } catch (...) {
     leave();
@@ -135,6 +138,10 @@ void GEN_TraceBlock::enter(const char* suffix) {
 }
 
 void GEN_TraceBlock::leave() {
+  const struct Restoring {  // also when the output throws
+    const GEN_TraceBlock& block;
+    ~Restoring() { block.restore(); }
+  } restoring{*this};
   if (isOn()) {
     unsigned int code = 0;
     int val1 = 0;
@@ -145,6 +152,9 @@ void GEN_TraceBlock::leave() {
                   static_cast<unsigned int>(val1), static_cast<unsigned int>(val2));
     emitLine((linePrefix(m_level) + "<< " + m_name + status).c_str());
   }
+}
+
+void GEN_TraceBlock::restore() const noexcept {
   if (m_printed) {
     --g_trace.depth;
     if (!gen::debug::output().keepOpen && g_trace.depth == 0) {

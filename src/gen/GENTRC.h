@@ -41,6 +41,7 @@ class GEN_TraceBlock {
  private:
   void enter(const char* suffix);
   void leave();
+  void restore() const noexcept;
   bool isOn() const noexcept;
 
   const char* m_name;

@@ -146,6 +146,9 @@ void KRX_PostOffice::setCommand(const SCL_StringRef& value) {
 }
 
 void KRX_PostOffice::validate(unsigned int& status) {
+  if (status != 0) {
+    return;
+  }
   checkDirectory(m_src_dir, true, status);
   checkDirectory(m_dst_dir, false, status);
   if (status == 0 && m_dflt_domain.isEmpty()) {

@@ -47,6 +47,17 @@ bool fitsLine(const char* name, const SCL_StringRef& text) {
   return std::string_view(name).size() + 2 + text.length() <= RFC_MAX_LINE;
 }
 
+// No line is written that the next hop would refuse the whole pair for.
+void writeAddress(DAC_BaseDataAccess& stream, const char* name, const GMA_Maddr& address,
+                  unsigned int& status) {
+  SCL_String text;
+  address.getText(text);
+  if (status == 0 && !fitsLine(name, text)) {
+    status = KRX_ENVELOPE_FORM;
+  }
+  rfc_write_field(stream, name, text, false, status);
+}
+
 }  // namespace
 
 void KRX_Message::readEnvelope(DAC_BaseDataAccess& stream, unsigned int& status) {
@@ -119,17 +130,15 @@ void KRX_Message::writeEnvelope(DAC_BaseDataAccess& stream, unsigned int& status
   KRX_writeField(stream, MESSAGE_ID, id->value(), status);
   for (std::uint16_t i = 0; i < m_headers.count(); ++i) {
     const GMA_Mhdr& header = *m_headers.get(i);
-    if (header.type() == gma::RCP_UNKNOWN) {
+    if (header.type() == gma::RCP_UNKNOWN && !header.custom().isEmpty()) {
       KRX_writeField(stream, header.custom(), header.value(), status);
     }
   }
   bool hasSender = false;
-  SCL_String text;
   for (std::uint16_t i = 0; i < m_addresses.count(); ++i) {
     const GMA_Maddr& address = *m_addresses.get(i);
     if (address.isFrom()) {
-      address.getText(text);
-      rfc_write_field(stream, RETURN_PATH, text, false, status);
+      writeAddress(stream, RETURN_PATH, address, status);
       hasSender = true;
     }
   }
@@ -139,8 +148,7 @@ void KRX_Message::writeEnvelope(DAC_BaseDataAccess& stream, unsigned int& status
   for (std::uint16_t i = 0; i < m_addresses.count(); ++i) {
     const GMA_Maddr& address = *m_addresses.get(i);
     if (address.isRecipient() && !address.isSent()) {
-      address.getText(text);
-      rfc_write_field(stream, RECIPIENT, text, false, status);
+      writeAddress(stream, RECIPIENT, address, status);
     }
   }
 }

@@ -47,6 +47,18 @@ void copyHeadersExcept(const GMA_MhdrTable& headers, ATR_AttributeList& attribut
   }
 }
 
+// Of two fields of one name an attribute has the later one, but a part is read by the first: stored
+// by the other it would be another part, or none that can be read.
+void setFieldsInUse(const GMA_MhdrTable& headers, ATR_AttributeList& attributes) {
+  for (const std::uint32_t type : {gma::CONTENT_TYPE, gma::CONTENT_TRANSFER_ENCODING}) {
+    if (const GMA_Mhdr* header = headers.findByType(type)) {
+      SCL_String value = rfc_unfold(header->value());
+      value.trim();
+      attributes.setString(gma::headerTypeName(type), value);
+    }
+  }
+}
+
 // The Content-Transfer-Encoding token; a value that is not one word means none.
 SCL_String readEncoding(const GMA_MhdrTable& headers) {
   SCL_String encoding;
@@ -162,12 +174,15 @@ KRX_Message::LineKind KRX_Message::readPart(DAC_BaseDataAccess& stream,
   setPartAttributes(*data, type, isView, size);
   if (nested) {
     copyHeadersExcept(headers, data->attributes(), dac::BAD_DATA);
+    setFieldsInUse(headers, data->attributes());
     // A part's own fields must not take the place of what we know about it.
     setPartAttributes(*data, type, isView, size);
-  } else {
-    m_described = data.get();
   }
+  DAC_BaseDataAccess* const placed = data.get();
   placePart(std::move(data), type, status);
+  if (!nested) {
+    m_described = placed;
+  }
   return kind;
 }
 

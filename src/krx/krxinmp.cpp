@@ -4,6 +4,7 @@
 
 #include "atr/ATRATLST.h"
 #include "dac/DACMEMDA.h"
+#include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "krx/krxlines.h"
 #include "krx/krxmsg.h"
@@ -135,7 +136,7 @@ std::unique_ptr<DAC_BaseDataAccess> KRX_Message::readPartContent(DAC_BaseDataAcc
                                                                  LineKind& kind,
                                                                  unsigned int& status) {
   kind = LineKind::content;
-  auto data = std::make_unique<DAC_MemoryDataAccess>(CONTENT_RESERVE);
+  auto data = GENMake<DAC_MemoryDataAccess>("krxmsg", __LINE__, CONTENT_RESERVE);
   LineReader reader(stream);
   std::string_view piece;
   while (reader.next(piece, status)) {
@@ -227,7 +228,7 @@ void KRX_Message::readMultipart(DAC_BaseDataAccess& stream, const ContentType& t
   while (status == 0 && kind == LineKind::boundary) {
     kind = readNestedPart(stream, *boundary, status);
   }
-  readUntilBoundary(stream, ".", gma::POSTAMBLE, status);
+  readUntilBoundary(stream, KRX_EPILOGUE_BOUNDARY, gma::POSTAMBLE, status);
   if (status == 0 && m_body == nullptr && m_items.isEmpty()) {
     status = KRX_NO_PARTS;
   }

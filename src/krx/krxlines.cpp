@@ -13,6 +13,23 @@ bool needsCare(std::string_view continuation) {
   return !SCL_isBlank(SCL_firstChar(continuation)) || SCL_trimmed(continuation).empty();
 }
 
+// A line that may stand anywhere in the data.
+SCL_String bareLine(std::string_view text) {
+  SCL_String line = rfc_one_line(text);
+  if (SCL_firstChar(line) == '.' && SCL_trimmed(line.view()) == ".") {
+    line.prepend('.');
+  }
+  return line;
+}
+
+bool isDelimiter(std::string_view line, std::string_view boundary) {
+  if (line.substr(0, 2) != "--" || line.substr(2, boundary.size()) != boundary) {
+    return false;
+  }
+  const std::string_view rest = line.substr(2 + boundary.size());
+  return rest.empty() || rest == "--";
+}
+
 }  // namespace
 
 void KRX_writeField(DAC_BaseDataAccess& stream, const SCL_StringRef& name,
@@ -40,17 +57,25 @@ void KRX_writeField(DAC_BaseDataAccess& stream, const SCL_StringRef& name,
   rfc_write_field_lines(stream, name, safe, status);
 }
 
-void KRX_writeBareLines(DAC_BaseDataAccess& stream, const SCL_StringTable& lines, bool skipBlank,
-                        unsigned int& status) {
+void KRX_writeBadLines(DAC_BaseDataAccess& stream, const SCL_StringTable& lines,
+                       unsigned int& status) {
   SCL_StringTable safe(lines.count());
   for (std::uint16_t i = 0; i < lines.count(); ++i) {
-    SCL_String line = rfc_one_line(lines.get(i).view());
-    const std::string_view text = SCL_trimmed(line.view());
-    if (skipBlank && text.empty()) {
-      continue;
+    SCL_String line = bareLine(lines.get(i).view());
+    if (!SCL_trimmed(line.view()).empty()) {
+      safe.add(std::move(line));
     }
-    if (text == "." && SCL_firstChar(line) == '.') {
-      line.prepend('.');
+  }
+  rfc_write_field_lines(stream, SCL_StringRef(), safe, status);
+}
+
+void KRX_writeLinesBeside(DAC_BaseDataAccess& stream, const SCL_StringTable& lines,
+                          const SCL_StringRef& boundary, unsigned int& status) {
+  SCL_StringTable safe(lines.count());
+  for (std::uint16_t i = 0; i < lines.count(); ++i) {
+    SCL_String line = bareLine(lines.get(i).view());
+    if (isDelimiter(line.view(), boundary.view())) {
+      line.prepend(' ');
     }
     safe.add(std::move(line));
   }

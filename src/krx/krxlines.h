@@ -6,15 +6,23 @@
 class DAC_BaseDataAccess;
 class SCL_StringTable;
 
+// What ends the reading of an epilogue beside the end of the data is a line of this boundary.
+inline constexpr char KRX_EPILOGUE_BOUNDARY[] = ".";
+
 // A named field from its value lines: a continuation line gets a leading blank when it has none, a
 // blank one, which would end the header block, is left out.
 void KRX_writeField(DAC_BaseDataAccess& stream, const SCL_StringRef& name,
                     const SCL_StringTable& lines, unsigned int& status);
 
-// Lines that stand for themselves: preamble, epilogue, and (skipBlank) malformed header lines, of
-// which blank ones are left out. A line "." would end the data and becomes "..".
-void KRX_writeBareLines(DAC_BaseDataAccess& stream, const SCL_StringTable& lines, bool skipBlank,
-                        unsigned int& status);
+// Malformed header lines, as they stand; blank ones, which would end the header block, are left out,
+// and a line ".", which would end the data, becomes "..".
+void KRX_writeBadLines(DAC_BaseDataAccess& stream, const SCL_StringTable& lines,
+                       unsigned int& status);
+
+// The lines before the first boundary or after the last, as they stand; a line "." becomes "..", and
+// one that would be taken for a line of `boundary` gets a blank in front.
+void KRX_writeLinesBeside(DAC_BaseDataAccess& stream, const SCL_StringTable& lines,
+                          const SCL_StringRef& boundary, unsigned int& status);
 
 // "Too many <what>, the rest is left out." in the log.
 void KRX_logTooMany(const char* what);

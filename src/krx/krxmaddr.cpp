@@ -5,6 +5,7 @@
 
 #include "gen/GENCODES.h"
 #include "krx/krxaddr.h"
+#include "krx/krxmemory.h"
 #include "scl/SCLDUMP.h"
 
 KRX_Maddr::KRX_Maddr(std::uint32_t type, const SCL_StringRef& text,
@@ -38,7 +39,8 @@ void KRX_Maddr::parse(const SCL_StringRef& text, unsigned int& status) {
     return;
   }
   KRX_ParsedAddress address;
-  KRX_parseRfcAddress(text, m_default_domain, address, status);
+  KRX_orAssert("krxmaddr", __LINE__,
+               [&] { KRX_parseRfcAddress(text, m_default_domain, address, status); });
   if (status != 0) {
     // The text goes too: getText must never answer with an address that was not understood.
     m_user.clear();

@@ -13,6 +13,7 @@
 #include "gen/GENWNT.h"
 #include "krx/krxapi.h"
 #include "krx/krxmaddr.h"
+#include "krx/krxmemory.h"
 #include "log/LOGGLB.h"
 #include "log/LOGLOG.h"
 #include "plat/PlatError.h"
@@ -93,6 +94,10 @@ void KRX_Message::loadMessage(unsigned int& status) {
     return;
   }
   m_loaded = 1;
+  KRX_orAssert("krxmsg", __LINE__, [&] { loadPair(status); });
+}
+
+void KRX_Message::loadPair(unsigned int& status) {
   {
     std::optional<DAC_FileDataAccess> envelope;
     openPairFile(m_src_dir + m_fetched_rcp, KRX_ENVELOPE_OPEN, envelope, status);
@@ -109,12 +114,13 @@ void KRX_Message::loadMessage(unsigned int& status) {
 
 namespace {
 
-// A receiver directory that is a link would let its owner choose where copies go.
-unsigned int prepareReceiver(const SCL_StringRef& directory) {
+// A receiver directory that is a link would let its owner choose where copies go. A new one is
+// committed in its parent, else its copies could be lost with it.
+unsigned int prepareReceiver(const SCL_StringRef& parent, const SCL_StringRef& directory) {
   const SCL_String path(directory.view().substr(0, directory.length() - 1));
   const int error = plat::makeDirectory(path.view(), 0770);
   if (error == 0) {
-    return 0;
+    return plat::commitDirectory(parent.view()) == 0 ? 0 : FL_MAKE_DIRECTORY;
   }
   plat::FileStatus found;
   if (plat::status(path.view(), found, false) != 0 || found.kind == plat::Kind::missing) {
@@ -131,18 +137,14 @@ unsigned int commitFile(const SCL_StringRef& path) {
   return file.open(path.view(), mode) == 0 && file.commit() == 0 ? 0 : FL_COPY_WRITE;
 }
 
-// Copies one file of the pair; on failure nothing that this call made stays.
-unsigned int copyCommitted(const SCL_StringRef& source, const SCL_StringRef& target) {
-  unsigned int status = fl::copyFile(source, target);
-  const bool made =
-      status == 0 || status == FL_COPY_READ || status == FL_COPY_WRITE || status == FL_CLOSE;
-  if (status == 0) {
-    status = commitFile(target);
+// Copies one file of the pair; the target is then its guard's, also a part of a copy, but never a
+// file that was there before.
+unsigned int copyCommitted(const SCL_StringRef& source, KRX_FileGuard& target) {
+  const unsigned int status = fl::copyFile(source, target.path());
+  if (status == 0 || status == FL_COPY_READ || status == FL_COPY_WRITE || status == FL_CLOSE) {
+    target.own();
   }
-  if (status != 0 && made) {
-    plat::remove(target.view());
-  }
-  return status;
+  return status == 0 ? commitFile(target.path()) : status;
 }
 
 }  // namespace
@@ -154,22 +156,28 @@ void KRX_Message::save(void* /*argument*/, unsigned int& status) {
   if (m_msg_file.isEmpty()) {
     GENAssertText("Empty file name in KRX_Message::save", "krxmsg", __LINE__);
   }
+  KRX_orAssert("krxmsg", __LINE__, [&] { status = copyToReceiver(); });
+}
+
+unsigned int KRX_Message::copyToReceiver() const {
   const SCL_String receiver = m_src_dir + RECEIVER_DIRECTORY;
-  status = prepareReceiver(receiver);
+  if (const unsigned int status = prepareReceiver(m_src_dir, receiver); status != 0) {
+    return status;
+  }
+  KRX_FileGuard envelope(receiver + m_fetched_rcp);
+  KRX_FileGuard message(receiver + m_fetched_msg);
+  unsigned int status = copyCommitted(m_src_dir + m_fetched_rcp, envelope);
   if (status == 0) {
-    status = copyCommitted(m_src_dir + m_fetched_rcp, receiver + m_fetched_rcp);
+    status = copyCommitted(m_src_dir + m_fetched_msg, message);
   }
-  if (status != 0) {
-    return;
-  }
-  status = copyCommitted(m_src_dir + m_fetched_msg, receiver + m_fetched_msg);
   if (status == 0 && plat::commitDirectory(receiver.view()) != 0) {
     status = FL_COPY_WRITE;
-    plat::remove((receiver + m_fetched_msg).view());
   }
-  if (status != 0) {
-    plat::remove((receiver + m_fetched_rcp).view());
+  if (status == 0) {
+    envelope.disown();
+    message.disown();
   }
+  return status;
 }
 
 void KRX_Message::dump(const SCL_StringRef& name, std::ostream& stream,

@@ -78,7 +78,6 @@ class KRX_Message : public GMA_Message {
     const SCL_String* parameter(const char* name) const;
   };
   struct Layout;
-  class FileGuard;
 
   // Inbound (krxin.cpp, krxinmp.cpp).
   int classifyContentType(const GMA_MhdrTable& headers, ContentType& type, unsigned int& status);
@@ -129,8 +128,12 @@ class KRX_Message : public GMA_Message {
   bool namesAreFree() const;
   void chooseFileNames(KRX_NameDraw& draw, unsigned int& status);
   void checkFreeSpace(unsigned int& status);
-  std::unique_ptr<DAC_FileDataAccess> createMessageFile(KRX_NameDraw& draw, unsigned int& status);
-  void completePair(FileGuard& messageFile, unsigned int& status);
+  void deliver(unsigned int& status);
+  std::unique_ptr<DAC_FileDataAccess> createMessageFile(KRX_NameDraw& draw, KRX_FileGuard& guard,
+                                                        unsigned int& status);
+  void completePair(KRX_FileGuard& messageFile, unsigned int& status);
+  void loadPair(unsigned int& status);
+  unsigned int copyToReceiver() const;
   void removeFetchedPair();
 
   SCL_String m_rcp_file;

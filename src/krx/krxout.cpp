@@ -24,10 +24,6 @@ void write(DAC_BaseDataAccess& stream, std::string_view text, unsigned int& stat
   stream.write(static_cast<std::int32_t>(text.size()), text.data(), status);
 }
 
-bool isNameless(std::uint32_t type) {
-  return type == gma::BAD_FORMAT || type == gma::PREAMBLE || type == gma::POSTAMBLE;
-}
-
 // Travels in the envelope, or stands elsewhere in the message.
 bool isOutsideHeaderBlock(std::uint32_t type) {
   return type >= gma::RCP_UNKNOWN && type <= gma::POSTAMBLE;
@@ -143,8 +139,8 @@ void KRX_Message::writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& lay
 
 void KRX_Message::writeHeader(DAC_BaseDataAccess& stream, const GMA_Mhdr& header,
                               unsigned int& status) {
-  if (header.custom().isEmpty() && isNameless(header.type())) {
-    KRX_writeBareLines(stream, header.value(), header.type() == gma::BAD_FORMAT, status);
+  if (header.custom().isEmpty() && header.type() == gma::BAD_FORMAT) {
+    KRX_writeBadLines(stream, header.value(), status);
     return;
   }
   const SCL_String name =
@@ -227,7 +223,7 @@ void KRX_Message::writePartContent(DAC_BaseDataAccess& stream, DAC_BaseDataAcces
   constexpr std::int32_t LINE_BUFFER = 32768;
   writeLine(stream, "", status);
   data.setPosition(0, status);
-  const auto buffer = std::make_unique<char[]>(LINE_BUFFER);
+  const auto buffer = std::make_unique_for_overwrite<char[]>(LINE_BUFFER);
   while (status == 0) {
     const std::int32_t length = data.readLine(LINE_BUFFER, buffer.get(), status);
     if (status == DAC_LINE_TOO_LONG) {

@@ -8,6 +8,7 @@
 #include "gen/GENCODES.h"
 #include "gen/GENWNT.h"
 #include "krx/krxlayout.h"
+#include "krx/krxlines.h"
 #include "rfc/rfcread.h"
 #include "rfc/rfcvalue.h"
 #include "rfc/rfcwrite.h"
@@ -127,7 +128,8 @@ KRX_Message::Layout KRX_Message::planLayout() {
   const bool hasMimeVersion = m_headers.findByType(gma::MIME_VERSION) != nullptr;
   const bool hasHeader = m_headers.findByType(gma::CONTENT_TYPE) != nullptr;
   ContentType type;
-  const bool multipart = ownContentType(type) && type.isMultipart();
+  const bool isTyped = ownContentType(type);
+  const bool multipart = isTyped && type.isMultipart();
   // Without Mime-Version a multipart header says nothing: such a mail is one plain part.
   const bool isStructure = multipart && (hasMimeVersion || !hasHeader);
   if (parts == 1 && !isStructure) {
@@ -147,7 +149,9 @@ KRX_Message::Layout KRX_Message::planLayout() {
   layout.addMimeVersion = !hasMimeVersion;
   layout.boundary = drawBoundary();
   layout.moveOwnFields = true;
-  layout.ownContentType = trimmedValue(m_headers.findByType(gma::CONTENT_TYPE));
+  if (isTyped) {  // on a part of a MIME message any other value would make the mail unreadable
+    layout.ownContentType = trimmedValue(m_headers.findByType(gma::CONTENT_TYPE));
+  }
   layout.ownEncoding = trimmedValue(m_headers.findByType(gma::CONTENT_TRANSFER_ENCODING));
   return layout;
 }
@@ -181,7 +185,7 @@ void KRX_Message::writeMultipart(DAC_BaseDataAccess& stream, const Layout& layou
   }
   stream.writeLine(0, "", status);
   if (const GMA_Mhdr* preamble = m_headers.findByType(gma::PREAMBLE)) {
-    writeHeader(stream, *preamble, status);
+    KRX_writeLinesBeside(stream, preamble->value(), layout.boundary, status);
   }
   for (unsigned int i = 0; i < partCount() && status == 0; ++i) {
     const bool isBody = i == 0 && m_body != nullptr;
@@ -189,7 +193,7 @@ void KRX_Message::writeMultipart(DAC_BaseDataAccess& stream, const Layout& layou
   }
   writeDelimiter(stream, layout.boundary, "--", status);
   if (const GMA_Mhdr* epilogue = m_headers.findByType(gma::POSTAMBLE)) {
-    writeHeader(stream, *epilogue, status);
+    KRX_writeLinesBeside(stream, epilogue->value(), KRX_EPILOGUE_BOUNDARY, status);
   }
 }
 

@@ -25,6 +25,19 @@ bool isFree(const SCL_StringRef& path) {
   return file.open(path.view(), mode) == 0;
 }
 
+// A name that nobody could open by it: every path with a wildcard is a pattern.
+bool isPattern(std::string_view name) {
+  return name.find_first_of("*?") != std::string_view::npos;
+}
+
+// As the search sees it; one that cannot be asked about counts as marked.
+bool isMarked(const SCL_StringRef& path) {
+  constexpr unsigned int MARKS =
+      plat::ATTRIBUTE_READ_ONLY | plat::ATTRIBUTE_HIDDEN | plat::ATTRIBUTE_SYSTEM;
+  unsigned int bits = 0;
+  return plat::attributes(path.view(), bits) != 0 || (bits & MARKS) != 0;
+}
+
 SCL_String fileNameOf(const SCL_StringRef& path) {
   dv::PathRecord record;
   if (dv::decodePath(record, path, dv::MODE_UNC | dv::MODE_DRIVE) < 0) {
@@ -51,7 +64,8 @@ bool findMessageFile(const SCL_StringRef& envelopePath, SCL_String& messagePath)
 
 bool testPair(const SCL_StringRef& envelopePath, KRX_PairNames& names) {
   SCL_String messagePath;
-  if (!isFree(envelopePath) || !findMessageFile(envelopePath, messagePath)) {
+  if (isPattern(envelopePath) || !isFree(envelopePath) ||
+      !findMessageFile(envelopePath, messagePath)) {
     return false;
   }
   names.envelope = fileNameOf(envelopePath);
@@ -91,9 +105,12 @@ KRX_PairSearch::Step KRX_PairSearch::step(const SCL_StringRef& directory,
 std::optional<KRX_PairNames> KRX_PairSearch::next(const SCL_StringRef& directory,
                                                   const KRX_StuckPairs& stuck) {
   KRX_PairNames names;
-  if (m_last && m_directory == directory && testPair(directory + m_last->envelope, names) &&
-      !stuck.contains(directory, names.envelope)) {
-    return m_last;
+  if (m_last && m_directory == directory) {
+    const SCL_String path = directory + m_last->envelope;
+    if (testPair(path, names) && !isMarked(path) && !stuck.contains(directory, names.envelope)) {
+      m_last = names;
+      return m_last;
+    }
   }
   m_last.reset();
   bool wholePass = m_directory != directory;

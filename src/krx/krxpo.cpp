@@ -7,10 +7,25 @@
 #include "gen/GENCODES.h"
 #include "gen/GENWNT.h"
 #include "krx/krxapi.h"
+#include "krx/krxmemory.h"
 #include "krx/krxmsg.h"
 #include "log/LOGGLB.h"
 #include "log/LOGLOG.h"
 #include "scl/SCLDUMP.h"
+
+namespace {
+
+// Never throws: by now the message's destruction would remove a pair that no host has seen.
+void logFailedLoad(const SCL_String& envelope, const std::optional<std::string>& failure,
+                   unsigned int status) noexcept {
+  GENSwallow([&] {
+    const std::string why = failure ? *failure : "status " + std::to_string(status);
+    LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
+                              "Message %s could not be loaded, %s.", envelope.c_str(), why.c_str());
+  });
+}
+
+}  // namespace
 
 KRX_PostOffice::KRX_PostOffice(GMA_POGroup* group, const SCL_StringRef& name)
     : GMA_PostOffice(group, name), m_stuck(std::make_shared<KRX_StuckPairs>()) {}
@@ -63,6 +78,10 @@ GMA_Message* KRX_PostOffice::nextMessage(unsigned int& status) {
   if (m_ras_schedule) {
     raiseLineWhenDue();
   }
+  return KRX_orAssert("krxpo", __LINE__, [&] { return fetchMessage(status); });
+}
+
+GMA_Message* KRX_PostOffice::fetchMessage(unsigned int& status) {
   std::optional<KRX_PairNames> pair;
   {
     const KRX_DirectoryLock lock(m_src_dir);
@@ -82,14 +101,10 @@ GMA_Message* KRX_PostOffice::nextMessage(unsigned int& status) {
   // would be found again by every later call.
   const auto failure = GENCatch([&] { message->loadMessage(status); });
   if (failure) {
-    LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
-                              "Message %s could not be loaded, %s.", pair->envelope.c_str(),
-                              failure->c_str());
     status = GEN_INTERNAL_ERROR;
-  } else if (status != 0) {
-    LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
-                              "Message %s could not be loaded, status %u.", pair->envelope.c_str(),
-                              status);
+  }
+  if (status != 0) {
+    logFailedLoad(pair->envelope, failure, status);
   }
   return message.release();
 }

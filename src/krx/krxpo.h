@@ -40,6 +40,7 @@ class KRX_PostOffice : public GMA_PostOffice {
   KRX_MessageSettings messageSettings() const;
   KRX_RasSettings rasSettings() const noexcept;
   void raiseLineWhenDue() noexcept;
+  GMA_Message* fetchMessage(unsigned int& status);
 
   // Configuration (krxconf.cpp).
   void setOnce(const StringDirective& directive, const SCL_StringRef& value, unsigned int& status);

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 
+#include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "krx/krxapi.h"
 #include "log/LOGGLB.h"
@@ -74,6 +75,15 @@ void KRX_StuckPairs::add(const SCL_StringRef& directory, const SCL_StringRef& en
 bool KRX_StuckPairs::contains(const SCL_StringRef& directory, const SCL_StringRef& envelope) const {
   Key key;
   return !m_pairs.empty() && keyOf(directory, envelope, key) && m_pairs.count(key) != 0;
+}
+
+KRX_FileGuard::KRX_FileGuard(KRX_FileGuard&& other) noexcept
+    : m_path(std::move(other.m_path)), m_owned(std::exchange(other.m_owned, false)) {}
+
+KRX_FileGuard::~KRX_FileGuard() {
+  if (m_owned) {
+    GENSwallow([this] { plat::remove(m_path.view()); });
+  }
 }
 
 int KRX_removeSpoolFile(const SCL_StringRef& path) {

@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 #include <tuple>
+#include <utility>
 
 #include "scl/SCLSTRNG.h"
 
@@ -49,6 +50,27 @@ class KRX_StuckPairs {
   using Key = std::tuple<std::string, std::uint64_t, std::int64_t, int>;  // name, inode, modified
   static bool keyOf(const SCL_StringRef& directory, const SCL_StringRef& envelope, Key& key);
   std::set<Key> m_pairs;
+};
+
+// Removes a file at the end of its life, unless it does not own it (any more).
+class KRX_FileGuard {
+ public:
+  KRX_FileGuard() noexcept = default;
+  explicit KRX_FileGuard(SCL_String path) noexcept : m_path(std::move(path)) {}
+  KRX_FileGuard(KRX_FileGuard&& other) noexcept;
+  KRX_FileGuard(const KRX_FileGuard&) = delete;
+  KRX_FileGuard& operator=(const KRX_FileGuard&) = delete;
+  ~KRX_FileGuard();
+
+  const SCL_String& path() const noexcept { return m_path; }
+  // Only of a guard that owns nothing.
+  void setPath(SCL_String path) noexcept { m_path = std::move(path); }
+  void own() noexcept { m_owned = true; }
+  void disown() noexcept { m_owned = false; }
+
+ private:
+  SCL_String m_path;
+  bool m_owned = false;
 };
 
 // Removes a spool file if it exists and is not marked read-only, whoever owns it. 0 or an errno

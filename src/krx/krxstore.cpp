@@ -5,9 +5,9 @@
 
 #include "dac/DACFILDA.h"
 #include "fl/FLSTATUS.h"
-#include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "krx/krxdraw.h"
+#include "krx/krxmemory.h"
 #include "krx/krxmsg.h"
 #include "plat/PlatFile.h"
 
@@ -45,25 +45,6 @@ void finish(DAC_FileDataAccess& file, unsigned int& status) {
 
 }  // namespace
 
-// Owns the message file until its envelope is complete: removes it on every other way out.
-class KRX_Message::FileGuard {
- public:
-  explicit FileGuard(SCL_String path) : m_path(std::move(path)) {}
-  FileGuard(FileGuard&& other) noexcept : m_path(std::move(other.m_path)) { other.keep(); }
-  FileGuard(const FileGuard&) = delete;
-  FileGuard& operator=(const FileGuard&) = delete;
-  ~FileGuard() {
-    if (m_owned) {
-      GENSwallow([this] { plat::remove(m_path.view()); });
-    }
-  }
-  void keep() noexcept { m_owned = false; }
-
- private:
-  SCL_String m_path;
-  bool m_owned = true;
-};
-
 void KRX_Message::checkFreeSpace(unsigned int& status) {
   if (status != 0) {
     return;
@@ -87,14 +68,18 @@ void KRX_Message::storeMessage(unsigned int& status) {
   if (status != 0) {
     return;
   }
+  KRX_orAssert("krxmsg", __LINE__, [&] { deliver(status); });
+}
+
+void KRX_Message::deliver(unsigned int& status) {
   KRX_NameDraw draw;
   chooseFileNames(draw, status);
   checkFreeSpace(status);
-  std::unique_ptr<DAC_FileDataAccess> file = createMessageFile(draw, status);
+  KRX_FileGuard guard;
+  std::unique_ptr<DAC_FileDataAccess> file = createMessageFile(draw, guard, status);
   if (status != 0) {
     return;
   }
-  FileGuard guard(m_dst_dir + m_msg_file);
   writeMessage(*file, status);
   finish(*file, status);
   file.reset();
@@ -103,12 +88,14 @@ void KRX_Message::storeMessage(unsigned int& status) {
 
 // Somebody else may have taken the name since it was chosen; then another one is drawn.
 std::unique_ptr<DAC_FileDataAccess> KRX_Message::createMessageFile(KRX_NameDraw& draw,
+                                                                   KRX_FileGuard& guard,
                                                                    unsigned int& status) {
   while (status == 0) {
+    guard.setPath(m_dst_dir + m_msg_file);
     unsigned int created = 0;
-    auto file =
-        std::make_unique<DAC_FileDataAccess>(m_dst_dir + m_msg_file, NEW_SPOOL_FILE, created);
+    auto file = std::make_unique<DAC_FileDataAccess>(guard.path(), NEW_SPOOL_FILE, created);
     if (created == 0) {
+      guard.own();
       return file;
     }
     if (created != DAC_EXISTS) {
@@ -122,7 +109,7 @@ std::unique_ptr<DAC_FileDataAccess> KRX_Message::createMessageFile(KRX_NameDraw&
 }
 
 // The envelope, under the lock, and both names to stable storage before it is released.
-void KRX_Message::completePair(FileGuard& messageFile, unsigned int& status) {
+void KRX_Message::completePair(KRX_FileGuard& messageFile, unsigned int& status) {
   if (status != 0) {
     return;
   }
@@ -132,7 +119,7 @@ void KRX_Message::completePair(FileGuard& messageFile, unsigned int& status) {
     return;
   }
   // Ends before the lock does: nobody may find the message file beside an unfinished envelope.
-  FileGuard guard(std::move(messageFile));
+  KRX_FileGuard guard(std::move(messageFile));
   unsigned int created = 0;
   DAC_FileDataAccess file(m_dst_dir + m_rcp_file, NEW_SPOOL_FILE, created);
   if (created != 0) {
@@ -145,6 +132,6 @@ void KRX_Message::completePair(FileGuard& messageFile, unsigned int& status) {
     status = DAC_FLUSH;
   }
   if (status == 0) {
-    guard.keep();
+    guard.disown();
   }
 }

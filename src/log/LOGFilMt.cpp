@@ -116,6 +116,7 @@ unsigned int LOG_FileStream::olderFiles(std::uint32_t first,
     }
   });
   std::sort(keys.begin(), keys.end());
+  keys.erase(std::unique(keys.begin(), keys.end()), keys.end());  // "7" and "007" are one number
   return status;
 }
 

@@ -36,7 +36,8 @@ class LOG_NamePattern {
   unsigned int forEachFile(Visit visit) const {
     FL_Search search;
     search.startSearch((m_prefix + '*' + m_suffix).c_str(),
-                       FL_Search::READ_ONLY | FL_Search::HIDDEN | FL_Search::SYSTEM);
+                       FL_Search::READ_ONLY | FL_Search::HIDDEN | FL_Search::SYSTEM |
+                           FL_Search::POINT_NAMES);
     for (;;) {
       char path[FULL_PATH_SIZE];
       const unsigned int status = search.nextMatch(sizeof path, path);

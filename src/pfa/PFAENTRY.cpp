@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <utility>
 
 #include "gen/GENCODES.h"
 #include "gen/GENWNT.h"
@@ -69,10 +70,11 @@ void PFA_Entry::store(std::string_view line) {
   }
   if (line.size() >= m_capacity) {
     const unsigned int capacity = capacityFor(line.size());
-    m_text.reset(new (std::nothrow) char[capacity]);
-    if (m_text == nullptr) {
+    std::unique_ptr<char[]> grown(new (std::nothrow) char[capacity]);
+    if (grown == nullptr) {  // the entry keeps its text
       GENAssert(GEN_NULL_POINTER, "PFAENTRY", __LINE__);
     }
+    m_text = std::move(grown);
     m_capacity = capacity;
   }
   std::memcpy(m_text.get(), line.data(), line.size());

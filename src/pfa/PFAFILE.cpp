@@ -1,10 +1,9 @@
 // A profile's file: opening, reading, and writing it back so that it is always whole.
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
-#include "dv/DVPATH.h"
 #include "fl/FLTEXT.h"
+#include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "gen/GENTRC.h"
 #include "gen/GENWNT.h"
@@ -28,7 +27,7 @@ class NewFile {
   NewFile& operator=(const NewFile&) = delete;
   ~NewFile() {
     if (!m_name.empty()) {
-      plat::remove(m_name);
+      GENSwallow([this] { plat::remove(m_name); });
     }
   }
 
@@ -181,12 +180,14 @@ void PFA_Profile::loadEntry(std::string_view line, unsigned int lineNumber) {
   }
 }
 
+// A profile that a dead owner has left under its working name exists: a new file would hide it.
 unsigned int PFA_Profile::create(const SCL_StringRef& fileName) {
   if (!m_fileName.empty()) {
     if (const unsigned int status = flush(); status != 0) {
       return status;
     }
   }
+  PFA_WorkingFile::recover(fileName.c_str());
   plat::OpenMode mode;
   mode.write = true;
   mode.create = true;

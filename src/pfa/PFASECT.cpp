@@ -69,14 +69,15 @@ PFA_Section::Place PFA_Section::add(std::string_view text) {
   return place;
 }
 
+// The old one goes last: it may be the profile's current entry, and making the new one can fail.
 PFA_Section::Place PFA_Section::placeholder(std::string_view text) {
+  const Place made = insert(text);
+  made->setDeleted(true);
   if (m_placeholder) {
     m_entries.erase(*m_placeholder);
-    m_placeholder.reset();
   }
-  m_placeholder = insert(text);
-  (*m_placeholder)->setDeleted(true);
-  return *m_placeholder;
+  m_placeholder = made;
+  return made;
 }
 
 void PFA_Section::store(Place place, std::string_view text) {

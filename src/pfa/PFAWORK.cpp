@@ -97,10 +97,10 @@ unsigned int PFA_WorkingFile::take(const std::string& profile) {
   if (isHeld(locked) || (locked == 0 && !standsForLocked(profile))) {
     return PFA_OPEN;
   }
+  m_profile = profile;  // before the rename, after which nothing may fail
   const unsigned int status = rename(profile);
   if (status == 0) {
     m_file = std::move(file);
-    m_profile = profile;
   }
   return status;
 }

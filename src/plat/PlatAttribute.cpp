@@ -27,7 +27,7 @@ int readExtended(const char* native, const char* name, std::string& value) {
     if (size < 0) {
       return errno == EOPNOTSUPP ? ENODATA : errno;
     }
-    value.resize(static_cast<std::size_t>(size));
+    value.resize(static_cast<std::size_t>(size) + 1);  // a size of 0 would be another question
     const ssize_t got = ::getxattr(native, name, value.data(), value.size());
     if (got >= 0) {
       value.resize(static_cast<std::size_t>(got));

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <new>
 
 #include <time.h>
 
@@ -55,10 +56,13 @@ std::atomic<Clock*> g_replacement{nullptr};
 
 }  // namespace
 
+// The system's clock is never destroyed: what dies at the end of the process, a log that writes its
+// last line, still asks for the time.
 Clock& clock() noexcept {
-  static SystemClock system;
+  alignas(SystemClock) static unsigned char place[sizeof(SystemClock)];
+  static Clock* const system = new (place) SystemClock;
   Clock* replacement = g_replacement.load(std::memory_order_acquire);
-  return replacement != nullptr ? *replacement : system;
+  return replacement != nullptr ? *replacement : *system;
 }
 
 Clock* setClock(Clock* clock) noexcept {

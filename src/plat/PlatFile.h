@@ -36,7 +36,8 @@ struct OpenMode {
 //
 // Share::denyAll: a write lease, which the kernel grants only while nobody else has the file open,
 // taken and released at once. Where leases are not to be had, flock(LOCK_EX | LOCK_NB) and the
-// file counts as in use while its last modification is less than 2 seconds old.
+// file counts as in use while its last modification is less than 2 seconds old (or lies in the
+// future, by less than two hours).
 class File {
  public:
   File() noexcept = default;

@@ -121,9 +121,12 @@ std::string currentDrive() {
 
 std::string currentDirectory() {
   char* found = ::getcwd(nullptr, 0);
-  std::string directory = found != nullptr ? fromNative(found) : std::string();
+  if (found == nullptr) {
+    return std::string();
+  }
+  std::string directory = fromNative(found);
   std::free(found);
-  if (directory.empty() || directory.back() != '\\') {
+  if (directory.back() != '\\') {
     directory += '\\';
   }
   return directory;

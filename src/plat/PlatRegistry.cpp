@@ -32,7 +32,7 @@ int inTransaction(int root, std::string_view key, Access access, Operation opera
     transaction.commit();
     return 0;
   } catch (const StoreError&) {
-    return fail("registry", key, EIO);
+    return EIO;
   }
 }
 

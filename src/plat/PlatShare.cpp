@@ -7,8 +7,10 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 
 #include "plat/PlatClock.h"
 #include "plat/PlatSystem.h"
@@ -20,6 +22,9 @@ namespace {
 // A writer that takes no lock has most probably finished with a file that it left alone for this
 // long.
 constexpr std::int64_t QUIET_MILLISECONDS = 2000;
+// The clocks of a network differ by minutes, by an hour where one of them missed summer time. A file
+// from farther in the future was stamped wrongly, and must not count as in use until then.
+constexpr std::int64_t FUTURE_MILLISECONDS = 2 * 3600 * 1000;
 
 // Takes a lease and gives it back at once. Somebody who opens the file in that moment makes the
 // kernel tell us by a signal: SIGIO, the default, would end the host, SIGURG is ignored by default.
@@ -31,10 +36,16 @@ int testLease(int descriptor, int type) {
   return 0;
 }
 
-// A foreign file without CAP_LEASE, or a file system that knows no leases.
-bool leaseUnavailable(int error) {
+bool isOnNfs(int descriptor) {
+  struct statfs system {};
+  return ::fstatfs(descriptor, &system) == 0 && system.f_type == NFS_SUPER_MAGIC;
+}
+
+// A foreign file without CAP_LEASE, or a file system that knows no leases. One that knows them only
+// while its server has delegated the file answers otherwise as if somebody held it.
+bool leaseUnavailable(int descriptor, int error) {
   return error == EACCES || error == EINVAL || error == ENOLCK || error == EOPNOTSUPP ||
-         error == ENOSYS;
+         error == ENOSYS || (error == EAGAIN && isOnNfs(descriptor));
 }
 
 // Held elsewhere is the only answer that counts: what cannot be locked at all tells nothing.
@@ -54,12 +65,12 @@ int testQuiet(int descriptor) {
   const Moment current = now();
   const std::int64_t age = (current.seconds - file.st_mtim.tv_sec) * 1000 + current.milliseconds -
                            file.st_mtim.tv_nsec / 1'000'000;
-  return age < QUIET_MILLISECONDS ? EBUSY : 0;
+  return age < QUIET_MILLISECONDS && age > -FUTURE_MILLISECONDS ? EBUSY : 0;
 }
 
 int testNobodyElse(int descriptor) {
   const int error = testLease(descriptor, F_WRLCK);
-  if (!leaseUnavailable(error)) {
+  if (!leaseUnavailable(descriptor, error)) {
     return error == EAGAIN ? EBUSY : error;
   }
   return isLocked(descriptor, LOCK_EX) ? EBUSY : testQuiet(descriptor);
@@ -68,7 +79,7 @@ int testNobodyElse(int descriptor) {
 // A read lease would count our own writing descriptor as a writer.
 int testNoWriter(int descriptor, bool writable) {
   const int error = writable ? EINVAL : testLease(descriptor, F_RDLCK);
-  if (!leaseUnavailable(error)) {
+  if (!leaseUnavailable(descriptor, error)) {
     return error == EAGAIN ? EBUSY : error;
   }
   return isLocked(descriptor, LOCK_SH) ? EBUSY : 0;

@@ -62,9 +62,20 @@ std::string storePath() {
   return base;
 }
 
+[[noreturn]] void failAt(std::string_view file) {
+  fail("registry", file, EIO);
+  throw StoreError();
+}
+
+// A call of the open database has failed.
+[[noreturn]] void failIn(sqlite3* database) {
+  const char* const file = sqlite3_db_filename(database, "main");
+  failAt(file != nullptr ? file : "");
+}
+
 void execute(sqlite3* database, const char* sql) {
   if (sqlite3_exec(database, sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
-    throw StoreError();
+    failIn(database);
   }
 }
 
@@ -85,7 +96,7 @@ void prepare(sqlite3* database) {
   execute(database, "BEGIN IMMEDIATE");
   const std::int64_t version = versionOf(database);
   if (version != 0 && version != VERSION) {
-    throw StoreError();  // of a later release, whose tables we do not know
+    failIn(database);  // of a later release, whose tables we do not know
   }
   if (version == 0) {
     execute(database, TABLES);
@@ -97,7 +108,7 @@ void prepare(sqlite3* database) {
 
 Statement::Statement(sqlite3* database, const char* sql) {
   if (sqlite3_prepare_v2(database, sql, -1, &m_statement, nullptr) != SQLITE_OK) {
-    throw StoreError();
+    failIn(database);
   }
 }
 
@@ -107,7 +118,7 @@ Statement::~Statement() {
 
 Statement& Statement::bind(std::int64_t number) {
   if (sqlite3_bind_int64(m_statement, ++m_bound, number) != SQLITE_OK) {
-    throw StoreError();
+    failIn(sqlite3_db_handle(m_statement));
   }
   return *this;
 }
@@ -115,7 +126,7 @@ Statement& Statement::bind(std::int64_t number) {
 Statement& Statement::bind(std::string_view text) {
   if (sqlite3_bind_text64(m_statement, ++m_bound, text.empty() ? "" : text.data(), text.size(),
                           SQLITE_STATIC, SQLITE_UTF8) != SQLITE_OK) {
-    throw StoreError();
+    failIn(sqlite3_db_handle(m_statement));
   }
   return *this;
 }
@@ -123,7 +134,7 @@ Statement& Statement::bind(std::string_view text) {
 Statement& Statement::bindBytes(std::string_view data) {
   if (sqlite3_bind_blob64(m_statement, ++m_bound, data.empty() ? "" : data.data(), data.size(),
                           SQLITE_STATIC) != SQLITE_OK) {
-    throw StoreError();
+    failIn(sqlite3_db_handle(m_statement));
   }
   return *this;
 }
@@ -131,7 +142,7 @@ Statement& Statement::bindBytes(std::string_view data) {
 bool Statement::step() {
   const int result = sqlite3_step(m_statement);
   if (result != SQLITE_ROW && result != SQLITE_DONE) {
-    throw StoreError();
+    failIn(sqlite3_db_handle(m_statement));
   }
   return result == SQLITE_ROW;
 }
@@ -153,12 +164,11 @@ Transaction::Transaction(Access access) {
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
   try {
     if (path.empty() || sqlite3_open_v2(path.c_str(), &m_database, flags, nullptr) != SQLITE_OK) {
-      throw StoreError();
+      failAt(path);
     }
     prepare(m_database);
     execute(m_database, access == Access::write ? "BEGIN IMMEDIATE" : "BEGIN");
   } catch (...) {
-    fail("registry", path, EIO);
     sqlite3_close(m_database);
     throw;
   }

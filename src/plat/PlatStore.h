@@ -1,5 +1,6 @@
 // For the sources of this folder only: the SQLite database behind the registry, opened for one
-// transaction. A failed call of the database is a StoreError, which the registry turns into EIO.
+// transaction. A failed call of the database is a StoreError, which the registry turns into EIO; by
+// then the database's file is recorded as the path of the failure.
 #pragma once
 
 #include <cstdint>

@@ -1,13 +1,13 @@
 // What a program needs of its process.
 #include "plat/PlatTerminal.h"
 
-#include <signal.h>
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <filesystem>
 #include <system_error>
+
+#include <signal.h>
+#include <stdlib.h>
+#include <unistd.h>
 
 #include "plat/PlatPath.h"
 
@@ -17,11 +17,15 @@ namespace {
 std::atomic<bool> g_endRequested{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "set from a signal handler");
 
-void noteEndRequest(int /*signal*/) { g_endRequested.store(true); }
+void noteEndRequest(int /*signal*/) {
+  g_endRequested.store(true);
+}
 
 }  // namespace
 
-bool standardErrorIsTerminal() noexcept { return isatty(STDERR_FILENO) == 1; }
+bool standardErrorIsTerminal() noexcept {
+  return isatty(STDERR_FILENO) == 1;
+}
 
 void catchEndRequests() noexcept {
   struct sigaction action = {};
@@ -31,9 +35,13 @@ void catchEndRequests() noexcept {
   sigaction(SIGTERM, &action, nullptr);
 }
 
-bool endRequested() noexcept { return g_endRequested.load(); }
+bool endRequested() noexcept {
+  return g_endRequested.load();
+}
 
-long processNumber() noexcept { return static_cast<long>(getpid()); }
+long processNumber() noexcept {
+  return static_cast<long>(getpid());
+}
 
 TemporaryDirectory::TemporaryDirectory() {
   const char* base = getenv("TMPDIR");

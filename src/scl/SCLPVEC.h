@@ -1,8 +1,8 @@
 // SCL_PtrVector: an owning, growable array of pointers, the container behind every list of the
 // system. It deletes its elements; copying is the owning class's business. The visible capacity
-// grows by two slots, the memory behind it geometrically and not before it is used. Indexes have
-// the count's type. Memory that cannot be had is the assertion 1, one element more than the count
-// can tell the assertion 3 (both sclpvec); the vector is then as it was.
+// grows by two slots, the memory behind it geometrically and not before it is used. Memory that
+// cannot be had is the assertion 1, one element more than the count can tell the assertion 3 (both
+// sclpvec); the vector is then as it was.
 #pragma once
 
 #include <algorithm>

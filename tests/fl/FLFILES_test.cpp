@@ -28,50 +28,44 @@ class Files : public testing::Test {
   unsigned int count = 77;
 };
 
-TEST_F(Files, CopiesAreEqualAtEveryBufferEdge) {
-  for (const std::size_t size : {0, 1, 4095, 4096, 4097, 20000}) {
-    const std::string text(size, 'x');
-    folder.write("a.txt", text);
-    std::filesystem::remove(folder.path("b.txt"));
-    EXPECT_EQ(copy("a.txt", "b.txt"), 0U);
-    EXPECT_EQ(folder.read("b.txt"), text);
+TEST_F(Files, CopiesAreEqualAtEveryBufferEdgeAndNoMoreReadable) {
+  for (const std::size_t size : {0, 4095, 4096, 4097}) {
+    const std::string name = std::to_string(size);
+    folder.write(name, std::string(size, 'x'));
+    folder.setMode(name, 0400);
+    EXPECT_EQ(copy(name, "copy"), 0U);
+    EXPECT_EQ(folder.read("copy"), std::string(size, 'x'));
+    EXPECT_EQ(folder.mode("copy"), 0600U);
+    EXPECT_EQ(removeAll("copy"), 0U);
   }
+  EXPECT_EQ(copy("0", "none/copy"), 475U);
 }
 
-TEST_F(Files, CopyingNeverOverwrites) {
+TEST_F(Files, NothingIsOverwrittenNorMadeBehindALink) {
   folder.write("a.txt", "new");
   folder.write("b.txt", "old");
+  std::filesystem::create_symlink(folder.path("elsewhere"), folder.path("link.txt"));
   EXPECT_EQ(copy("a.txt", "b.txt"), 454U);
-  EXPECT_EQ(folder.read("b.txt"), "old");
-  EXPECT_EQ(copy("none.txt", "c.txt"), 452U);
-  EXPECT_EQ(copy("a.txt", "none/c.txt"), 475U);
-}
-
-TEST_F(Files, ACopyIsNoMoreReadableThanItsSource) {
-  folder.write("secret.txt", "x");
-  folder.setMode("secret.txt", 0400);
-  EXPECT_EQ(copy("secret.txt", "b.txt"), 0U);
-  EXPECT_EQ(folder.mode("b.txt"), 0600U);
+  EXPECT_EQ(copy("a.txt", "link.txt"), 454U);
+  EXPECT_EQ(move("a.txt", "b.txt"), 454U);
+  EXPECT_EQ(move("a.txt", folder.path("link.txt")), 454U);
+  EXPECT_EQ(make("link.txt"), 454U);
+  EXPECT_EQ(folder.names() + folder.read("b.txt"), "a.txt b.txt link.txtold");
 }
 
 TEST_F(Files, CopyMatchingDoesNotMeetItsOwnOutput) {
   folder.write("a.txt", "1");
-  folder.write("b.txt", "2");
   EXPECT_EQ(copyAll("*", ".bak"), 0U);
-  EXPECT_EQ(count, 2U);
-  EXPECT_EQ(folder.names(), "a.bak a.txt b.bak b.txt");
-  EXPECT_EQ(copyAll("*.txt", ".bak"), 454U);
-  EXPECT_EQ(copyAll("*.doc", ".bak"), 452U);
+  EXPECT_EQ(count, 1U);
+  EXPECT_EQ(folder.names(), "a.bak a.txt");
   EXPECT_EQ(copyAll("*.txt", "a<b"), 451U);
-  EXPECT_EQ(count, 0U);
 }
 
 TEST_F(Files, DeleteMatchingLeavesWhatIsHidden) {
   EXPECT_EQ(removeAll("*.txt"), 452U);
-  folder.write("a.txt", "1");
-  folder.write("B.TXT", "2");
-  folder.write(".c.txt", "3");
-  folder.write("d.txt", "4");
+  for (const char* name : {"a.txt", "B.TXT", ".c.txt", "d.txt"}) {
+    folder.write(name, "x");
+  }
   folder.setMode("d.txt", 0444);
   EXPECT_EQ(removeAll("*.txt"), 0U);
   EXPECT_EQ(count, 2U);
@@ -79,21 +73,13 @@ TEST_F(Files, DeleteMatchingLeavesWhatIsHidden) {
   EXPECT_EQ(fl::deleteFile(folder.path("d.txt").c_str()), 460U);
 }
 
-TEST_F(Files, DeletingNeverGuessesTheExtension) {
+TEST_F(Files, ABareExtensionRenamesInPlaceAndNeverAnotherSpelling) {
   folder.write("x.rcp", "x");
   EXPECT_EQ(fl::deleteFile(folder.path("x.RCP").c_str()), 452U);
   EXPECT_EQ(move("x.RCP", ".old"), 452U);
-  EXPECT_EQ(folder.names(), "x.rcp");
-}
-
-TEST_F(Files, ABareExtensionRenamesInPlace) {
-  folder.write("a.txt", "x");
-  EXPECT_EQ(move("a.txt", ".old"), 0U);
-  EXPECT_EQ(folder.names(), "a.old");
-  folder.write("a.txt", "y");
-  EXPECT_EQ(move("a.txt", ".old"), 454U);
-  EXPECT_EQ(move("a.txt", folder.path("none/")), 480U);
-  EXPECT_EQ(folder.read("a.old") + folder.read("a.txt"), "xy");
+  EXPECT_EQ(move("x.rcp", folder.path("none/")), 480U);
+  EXPECT_EQ(move("x.rcp", ".old"), 0U);
+  EXPECT_EQ(folder.names(), "x.old");
 }
 
 TEST(ComposeTarget, TakesWhatTheTemplateLacksFromTheSource) {
@@ -101,35 +87,21 @@ TEST(ComposeTarget, TakesWhatTheTemplateLacksFromTheSource) {
     SCL_String target("?");
     return fl::composeTarget(source, pattern, target) == 0 ? std::string(target.c_str()) : "451";
   };
-  EXPECT_EQ(composed("C:\\in\\x.txt", ".$$1"), "C:\\in\\x.$$1");
-  EXPECT_EQ(composed("C:\\in\\x.txt", "\\out\\"), "C:\\out\\x.txt");
   EXPECT_EQ(composed("C:\\in\\x.txt", "out/y"), "out\\y.txt");
   EXPECT_EQ(composed("C:\\in\\x.txt", "D:"), "D:\\in\\x.txt");
   EXPECT_EQ(composed("C:\\in\\x.txt", "\\\\s\\h\\"), "\\\\s\\h\\\\in\\x.txt");
-  EXPECT_EQ(composed("in/x.txt", "y.doc"), "in\\y.doc");
   EXPECT_EQ(composed("/in/x.txt", ""), "451");
-  EXPECT_EQ(composed("/in/x.txt", (std::string(253, 'd') + "/").c_str()), "451");
 }
 
 TEST_F(Files, MakingADirectoryTellsWhatIsInItsWay) {
   EXPECT_EQ(make("d/"), 0U);
   EXPECT_EQ(make("d\\"), 482U);
-  EXPECT_EQ(make("d"), 482U);
-  EXPECT_EQ(fl::makeDirectory("C:\\"), 482U);
   folder.write("f", "x");
   EXPECT_EQ(make("f/"), 454U);
   EXPECT_EQ(make("none/d"), 483U);
-  EXPECT_EQ(make("d*"), 457U);
-  EXPECT_EQ(fl::makeDirectory(""), 451U);
-}
-
-TEST_F(Files, MakePathMakesEveryMissingDirectory) {
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(fl::makePath(folder.path("a/b\\c").c_str()), 0U);
-    EXPECT_TRUE(std::filesystem::is_directory(folder.path("a/b/c")));
-  }
-  folder.write("a/f", "x");
-  EXPECT_EQ(fl::makePath(folder.path("a/f/g").c_str()), 454U);
+  EXPECT_EQ(fl::makePath(folder.path("d/b\\c").c_str()), 0U);
+  EXPECT_TRUE(std::filesystem::is_directory(folder.path("d/b/c")));
+  EXPECT_EQ(fl::makePath(folder.path("f/g").c_str()), 454U);
 }
 
 }  // namespace

@@ -1,12 +1,11 @@
 // A directory of a test's own, removed at its end, and the small vocabulary of files in it.
 #pragma once
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <string>
-#include <vector>
 
 #include <stdlib.h>
 
@@ -41,13 +40,12 @@ class Folder {
   unsigned int mode(const std::string& name) const {
     return static_cast<unsigned int>(std::filesystem::status(path(name)).permissions());
   }
-  // The names in it, sorted, with a blank between them.
-  std::string names() const {
-    std::vector<std::string> found;
-    for (const auto& entry : std::filesystem::directory_iterator(m_root)) {
-      found.push_back(entry.path().filename());
+  // The names in it, or in a directory of it, sorted, with a blank between them.
+  std::string names(const std::string& directory = "") const {
+    std::set<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(path(directory))) {
+      found.insert(entry.path().filename());
     }
-    std::sort(found.begin(), found.end());
     std::string text;
     for (const std::string& name : found) {
       text += (text.empty() ? "" : " ") + name;

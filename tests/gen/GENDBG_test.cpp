@@ -223,12 +223,13 @@ TEST_F(DebugKit, TheFileClosesWithTheOutermostBlockUnlessItIsKept) {
   }
 }
 
-TEST_F(DebugKit, AnExceptionPassesABlockWhoseWatchHasChanged) {
+TEST_F(DebugKit, AnExceptionPassesABlockWhoseWatchHasChangedAndWhoseOutputFails) {
   char data[] = "x";
   const gen::Watch* watched = gen::watch(data, 1);
   const auto failing = [&] {
     GEN_TraceBlock block("block", 1);
     data[0] = 'y';
+    gen::setOutputCallback([](void*, const char*) { GENAssertText("second", "TEST", 2); }, nullptr);
     GENAssertText("first", "TEST", 1);
   };
   EXPECT_EQ(GENCatch(failing), "!!Assert: first in TEST at 1");

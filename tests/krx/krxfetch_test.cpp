@@ -1,17 +1,18 @@
-#include <gmock/gmock.h>
+// Pairs on their way: found and fetched, kept by save, removed, and delivered.
+#include <chrono>
+#include <filesystem>
+#include <fstream>
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
-#include <set>
-
 #include "dac/DACMEMDA.h"
+#include "gen/GENWNT.h"
 #include "krx/Support.h"
 #include "krx/krxmaddr.h"
 #include "plat/PlatClock.h"
-#include "plat/PlatFile.h"
 #include "plat/PlatLock.h"
 #include "plat/PlatPath.h"
 #include "scl/SCLEXCPT.h"
@@ -19,24 +20,58 @@
 namespace krxtest {
 namespace {
 
+using std::chrono_literals::operator""s;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char PLAIN[] = "Subject: x\n\nbody\n.\n";
 
+std::string nameOf(const GMA_Message& message) {
+  return static_cast<const KRX_Message&>(message).envelopeFile().c_str();
+}
+
 class Fetch : public Spool {
  protected:
-  // The base name of the next message's pair, or "none".
+  ~Fetch() override { plat::setClock(nullptr); }
+
+  // The name of the next message's envelope, or "none"; the pair is gone then.
   std::string nextName() {
     unsigned int status = 0;
     const auto message = next(status);
     EXPECT_EQ(status, 0U);
-    return message ? static_cast<KRX_Message&>(*message).envelopeFile().c_str() : "none";
+    return message ? nameOf(*message) : "none";
   }
-  std::string native(const std::string& path) { return plat::toNative(path); }
+  std::unique_ptr<GMA_Message> fetch(const std::string& name, const std::string& envelope = "") {
+    put(name, PLAIN, envelope);
+    unsigned int status = 0;
+    auto message = next(status);
+    EXPECT_EQ(status, 0U);
+    return message;
+  }
+  static unsigned int store(GMA_Message& message) {
+    unsigned int status = 0;
+    message.storeMessage(status);
+    return status;
+  }
+  static unsigned int save(GMA_Message& message) {
+    unsigned int status = 0;
+    message.save(nullptr, status);
+    return status;
+  }
+  static std::string native(const std::string& path) { return plat::toNative(path); }
+  void setMode(const std::string& name, mode_t mode) const {
+    ASSERT_EQ(::chmod(native(in() + name).c_str(), mode), 0);
+  }
+  // Makes waiting cost no time.
+  plat::ManualClock& stopClock() {
+    plat::setClock(&m_clock);
+    return m_clock;
+  }
+
+  plat::ManualClock m_clock{{884000000, 5}};
 };
 
-// Holds the lock of a directory in another open file description.
+// The lock of a directory in another open file description.
 class ForeignLock {
  public:
   explicit ForeignLock(std::string directory) {
@@ -48,29 +83,18 @@ class ForeignLock {
     plat::UnlockDir(&flag, handle);
   }
   bool held;
-  long handle = 0;
+  long handle = -1;
 };
 
-TEST_F(Fetch, EachPairComesOnceAndItsDestructionRemovesIt) {
-  put("A", PLAIN);
+TEST_F(Fetch, APairIsReturnedAgainUntilItsMessageIsDestroyedOrTheFileIsMarked) {
+  const auto first = fetch("A");
   put("B", PLAIN);
-  std::set<std::string> names{nextName(), nextName()};
-  EXPECT_THAT(names, ElementsAre("A.RCP", "B.RCP"));
-  EXPECT_EQ(nextName(), "none");
-  EXPECT_THAT(filesIn(in()), IsEmpty());
-}
-
-TEST_F(Fetch, APairIsReturnedAgainUntilItsMessageIsDestroyed) {
-  put("A", PLAIN);
-  put("B", PLAIN);
+  EXPECT_EQ(nextName(), nameOf(*first));
   unsigned int status = 0;
-  auto first = next(status);
-  const SCL_String name = static_cast<KRX_Message&>(*first).envelopeFile();
-  {
-    auto again = next(status);
-    EXPECT_EQ(static_cast<KRX_Message&>(*again).envelopeFile(), name);
-  }
-  EXPECT_NE(nextName(), name.c_str());
+  const auto second = next(status);
+  EXPECT_EQ(nameOf(*second), "B.RCP");
+  setMode("B.RCP", 0444);
+  EXPECT_EQ(nextName(), "none");
 }
 
 TEST_F(Fetch, PairsThatArriveWhileTheSearchGoesOnAreFound) {
@@ -86,24 +110,24 @@ TEST_F(Fetch, PairsThatArriveWhileTheSearchGoesOnAreFound) {
 }
 
 TEST_F(Fetch, WhatIsNoFreePairIsSkippedAndStays) {
-  writeFile(in() + "ALONE.RCP", "Recipient: a@b\r\n");
-  put("RO", PLAIN);
-  ::chmod(native(in() + "RO.RCP").c_str(), 0444);
-  put("LINK", PLAIN);
-  std::filesystem::rename(native(in() + "LINK.MSG"), native(m_directory.path() + "target"));
-  std::filesystem::create_symlink(native(m_directory.path() + "target"), native(in() + "LINK.MSG"));
-  writeFile(in() + "FIFO.RCP", "Recipient: a@b\r\n");
-  ASSERT_EQ(::mkfifo(native(in() + "FIFO.MSG").c_str(), 0600), 0);
-  writeFile(in() + "DIR.RCP", "Recipient: a@b\r\n");
-  std::filesystem::create_directory(native(in() + "DIR.MSG"));
-  std::filesystem::create_directory(native(in() + "D2.RCP"));
-  put(".HIDDEN", PLAIN);
-  for (const char* extension : {"RCP", "MSG"}) {
-    std::filesystem::copy_file(native(in() + ".HIDDEN.") + extension,
-                               native(in()) + "..\\..\\x." + extension);
+  for (const std::string& name : {std::string("RO"), std::string("LINK"), std::string("FIFO"),
+                                  std::string("ALONE"), std::string(".POINT"), std::string("a?b"),
+                                  std::string("a\\..\\x"), std::string(251, 'x')}) {
+    for (const char* extension : {".RCP", ".MSG"}) {
+      std::ofstream(native(in()) + name + extension) << "Recipient: a@b\r\n";
+    }
   }
+  setMode("RO.RCP", 0444);
+  for (const char* name : {"LINK.MSG", "FIFO.MSG", "ALONE.MSG"}) {
+    std::filesystem::remove(native(in() + name));
+  }
+  std::filesystem::create_symlink(native(in() + "RO.MSG"), native(in() + "LINK.MSG"));
+  ASSERT_EQ(::mkfifo(native(in() + "FIFO.MSG").c_str(), 0600), 0);
+  std::filesystem::create_directory(native(in() + "DIR.RCP"));
   const std::vector<std::string> before = filesIn(in());
   EXPECT_EQ(nextName(), "none");
+  put("GOOD", PLAIN);
+  EXPECT_EQ(nextName(), "GOOD.RCP");
   EXPECT_EQ(filesIn(in()), before);
 }
 
@@ -116,61 +140,52 @@ TEST_F(Fetch, APairThatItsWriterHoldsOpenIsLeftAlone) {
 }
 
 TEST_F(Fetch, EitherLetterCaseOfTheExtensionMakesAPair) {
-  put("A", PLAIN);
-  std::filesystem::rename(native(in() + "A.RCP"), native(in() + "A.rcp"));
-  EXPECT_EQ(nextName(), "A.rcp");
-  EXPECT_THAT(filesIn(in()), IsEmpty());
-  put("B", PLAIN);
-  std::filesystem::rename(native(in() + "B.MSG"), native(in() + "B.msg"));
-  EXPECT_EQ(nextName(), "B.RCP");
-  EXPECT_THAT(filesIn(in()), IsEmpty());
+  for (const auto& [from, to] : {std::pair("A.RCP", "A.rcp"), std::pair("A.MSG", "A.msg")}) {
+    put("A", PLAIN);
+    std::filesystem::rename(native(in() + from), native(in() + to));
+    EXPECT_NE(nextName(), "none");
+    EXPECT_THAT(filesIn(in()), IsEmpty());
+  }
 }
 
 TEST_F(Fetch, ALockedDirectoryIsWaitedForAndIsNoError) {
-  plat::ManualClock clock({884000000, 0});
   put("A", PLAIN);
-  plat::setClock(&clock);
+  stopClock();
   {
     const ForeignLock lock(in());
     ASSERT_TRUE(lock.held);
     EXPECT_EQ(nextName(), "none");
-    EXPECT_EQ(clock.monotonicMilliseconds(), 49 * 2000);
+    EXPECT_EQ(m_clock.monotonicMilliseconds(), 49 * 2000);
   }
   EXPECT_EQ(nextName(), "A.RCP");
-  plat::setClock(nullptr);
 }
 
 TEST_F(Fetch, APairThatCannotBeLoadedComesWithItsStatusAndGoes) {
   put("A", PLAIN, "no envelope\n");
   unsigned int status = 0;
-  auto message = next(status);
-  ASSERT_TRUE(message);
+  EXPECT_TRUE(next(status));
   EXPECT_EQ(status, 11981U);
-  EXPECT_THAT(takeLog(),
-              ElementsAre("11:1 Message A.RCP could not be loaded, status 11981."));
-  message.reset();
+  EXPECT_THAT(takeLog(), ElementsAre("11:1 Message A.RCP could not be loaded, status 11981."));
   EXPECT_THAT(filesIn(in()), IsEmpty());
 }
 
 TEST_F(Fetch, APairThatCannotBeRemovedIsNotFetchedAgain) {
-  put("A", PLAIN);
-  unsigned int status = 0;
-  auto message = next(status);
-  ::chmod(native(in() + "A.RCP").c_str(), 0444);
-  ::chmod(native(in() + "A.MSG").c_str(), 0444);
+  auto message = fetch("A");
+  setMode("A.RCP", 0444);
+  setMode("A.MSG", 0444);
   message.reset();
-  ::chmod(native(in() + "A.RCP").c_str(), 0644);
-  ::chmod(native(in() + "A.MSG").c_str(), 0644);
+  setMode("A.RCP", 0644);
+  setMode("A.MSG", 0644);
   EXPECT_EQ(takeLog().size(), 2U);
   EXPECT_EQ(nextName(), "none");
   put("A", "Subject: another\n\nx\n");
+  const std::string another = native(in() + "A.RCP");
+  std::filesystem::last_write_time(another, std::filesystem::file_time_type::clock::now() + 1s);
   EXPECT_EQ(nextName(), "A.RCP");
 }
 
 TEST_F(Fetch, AMessageMayOutliveItsPostOffice) {
-  put("A", PLAIN);
-  unsigned int status = 0;
-  auto message = next(status);
+  auto message = fetch("A");
   m_office.reset();
   message.reset();
   EXPECT_THAT(filesIn(in()), IsEmpty());
@@ -181,196 +196,203 @@ class Save : public Fetch {
   std::string receiver() const { return in() + "QDXRECVR\\"; }
 };
 
-TEST_F(Save, KeepsACommittedCopyOnceAndNeverReplacesOne) {
-  put("A", PLAIN);
-  unsigned int status = 0;
-  auto message = next(status);
-  message->save(nullptr, status);
-  EXPECT_EQ(status, 0U);
-  message->save(nullptr, status);
-  EXPECT_EQ(status, 454U);
+TEST_F(Save, AMessageThatIsStoredUnderAnotherNameStillKeepsAndRemovesItsOwnPair) {
+  auto message = fetch("A");
+  writeFile(out() + "A.MSG", "somebody else's");
+  EXPECT_EQ(store(*message), 0U);
+  const std::string renamed = nameOf(*message);
+  writeFile(in() + renamed, "a stranger's");
+  EXPECT_EQ(save(*message), 0U);
+  EXPECT_EQ(save(*message), 454U);
   message.reset();
-  EXPECT_THAT(filesIn(in()), ElementsAre("QDXRECVR"));
+  EXPECT_THAT(filesIn(in()), ElementsAre(renamed, "QDXRECVR"));
   EXPECT_THAT(filesIn(receiver()), ElementsAre("A.MSG", "A.RCP"));
   EXPECT_EQ(withLf(readFile(receiver() + "A.MSG")), PLAIN);
+  EXPECT_EQ(readFile(out() + "A.MSG"), "somebody else's");
 }
 
 TEST_F(Save, AHalfCopyIsTakenBackAndWhatWasThereStays) {
-  put("A", PLAIN);
+  const auto message = fetch("A");
   std::filesystem::create_directory(native(in() + "QDXRECVR"));
   writeFile(receiver() + "A.MSG", "earlier");
-  unsigned int status = 0;
-  auto message = next(status);
-  message->save(nullptr, status);
-  EXPECT_EQ(status, 454U);
+  EXPECT_EQ(save(*message), 454U);
   EXPECT_THAT(filesIn(receiver()), ElementsAre("A.MSG"));
   EXPECT_EQ(readFile(receiver() + "A.MSG"), "earlier");
 }
 
 TEST_F(Save, ALinkedReceiverDirectoryIsRefused) {
-  put("A", PLAIN);
+  const auto message = fetch("A");
   std::filesystem::create_directory_symlink(native(out()), native(in() + "QDXRECVR"));
-  unsigned int status = 0;
-  auto message = next(status);
-  message->save(nullptr, status);
-  EXPECT_EQ(status, 454U);
+  EXPECT_EQ(save(*message), 454U);
   EXPECT_THAT(filesIn(out()), IsEmpty());
 }
 
 TEST_F(Save, NeedsAFetchedPair) {
   const std::unique_ptr<GMA_Message> message(m_office->newMessage());
-  unsigned int status = 0;
-  EXPECT_THROW(message->save(nullptr, status), scl_exception_base*);
-  status = 5;
+  unsigned int status = 5;
   message->save(nullptr, status);
   EXPECT_EQ(status, 5U);
+  EXPECT_THROW(save(*message), scl_exception_base*);
 }
 
 class Store : public Fetch {
  protected:
-  Store() : m_message(m_office->newMessage()) {}
-  unsigned int store() {
-    unsigned int status = 0;
-    m_message->storeMessage(status);
-    return status;
+  // A new message whose identifying header has this value.
+  std::unique_ptr<GMA_Message> identified(const std::string& value) {
+    std::unique_ptr<GMA_Message> message(m_office->newMessage());
+    message->headers().add(GMA_Mhdr(gma::RCPMESSAGEID, value.c_str()));
+    return message;
   }
-  void setId(const std::string& value) {
-    m_message->headers().clear();
-    m_message->headers().add(GMA_Mhdr(gma::RCPMESSAGEID, value.c_str()));
+  // The base name under which a message with that value is stored.
+  std::string storedAs(const std::string& value) {
+    const auto message = identified(value);
+    EXPECT_EQ(store(*message), 0U) << value;
+    return nameOf(*message).substr(0, nameOf(*message).size() - 4);
   }
-  std::unique_ptr<GMA_Message> m_message;
 };
 
-TEST_F(Store, TheIdentifyingHeaderNamesThePairWhileTheNameIsFree) {
-  setId(" <ABC123@domain>");
-  EXPECT_EQ(store(), 0U);
+// Somebody who makes a file at a certain moment of the delivery: when the room is asked for, after
+// the names were chosen, or when the content is read, after the message file was made.
+class Rival : public DAC_MemoryDataAccess {
+ public:
+  enum Moment { BEFORE_CREATION, AFTER_CREATION };
+  Rival(std::string path, Moment moment) : m_path(std::move(path)), m_moment(moment) {}
+  std::int32_t size(unsigned int& status) override {
+    act(BEFORE_CREATION);
+    return DAC_MemoryDataAccess::size(status);
+  }
+  std::int32_t setPosition(std::int32_t position, unsigned int& status) override {
+    act(AFTER_CREATION);
+    return DAC_MemoryDataAccess::setPosition(position, status);
+  }
+
+ private:
+  void act(Moment moment) const {
+    if (moment == m_moment) {
+      writeFile(m_path, "theirs");
+    }
+  }
+  std::string m_path;
+  Moment m_moment;
+};
+
+// A recipient that cannot be written.
+class Unwritable : public KRX_Maddr {
+ public:
+  using KRX_Maddr::KRX_Maddr;
+  GMA_Maddr* clone() const override { return new Unwritable(*this); }
+  void getText(SCL_String&) const override { GENAssertText("Unwritable.", "test", __LINE__); }
+};
+
+TEST_F(Store, TheIdentifyingHeaderNamesThePairWhileTheNameIsFreeInEitherLetterCase) {
+  EXPECT_EQ(storedAs(" <ABC123@domain>"), "ABC123");
   EXPECT_THAT(filesIn(out()), ElementsAre("ABC123.MSG", "ABC123.RCP"));
-  m_message.reset(m_office->newMessage());
-  setId("<ABC123@domain>");
-  writeFile(out() + "other", "");
-  EXPECT_EQ(store(), 0U);
-  const std::string name = static_cast<KRX_Message&>(*m_message).envelopeFile().c_str();
-  EXPECT_EQ(name.size(), 18U);
-  EXPECT_EQ(outEnvelope(name.substr(0, 14)),
-            "Message-ID: <" + name.substr(0, 14) + "@here>\nReturn-path: \n");
+  const std::string drawn = storedAs("<ABC123@domain>");
+  EXPECT_EQ(drawn.size(), 14U);
+  EXPECT_EQ(outEnvelope(drawn), "Message-ID: <" + drawn + "@here>\nReturn-path: \n");
+  writeFile(out() + "OTHER.msg", "");
+  EXPECT_NE(storedAs("<OTHER@domain>"), "OTHER");
 }
 
 TEST_F(Store, NoBaseNameLeadsOutOfTheSpool) {
-  for (const std::string& id :
-       std::vector<std::string>{"<..\\..\\x@y>", "<../x@y>", "<a/b@y>", "<C:x@y>", "<.x@y>",
-                                "<x.@y>", "< @y>", "<a*b@y>", "<@y>", "<x>", "x@y",
-                                "<" + std::string(201, 'x') + "@y>"}) {
-    m_message.reset(m_office->newMessage());
-    setId(id);
-    EXPECT_EQ(store(), 0U) << id;
-    const std::string name = static_cast<KRX_Message&>(*m_message).envelopeFile().c_str();
-    EXPECT_TRUE(name.size() == 18 && name[0] == 'C') << id << " gave " << name;
+  const std::string longest(200, 'x');
+  for (const std::string& id : std::vector<std::string>{
+           "<..\\..\\x@y>", "<../x@y>", "<a/b@y>", "<C:x@y>", "<.x@y>", "<x.@y>", "< @y>",
+           "<a*b@y>", "<@y>", "<x>", "x@y", "<" + longest + "x@y>"}) {
+    const std::string name = storedAs(id);
+    EXPECT_TRUE(name.size() == 14 && name[0] == 'C') << id << " gave " << name;
   }
   EXPECT_THAT(filesIn(m_directory.path()), ElementsAre("in", "out"));
-  m_message.reset(m_office->newMessage());
-  setId("<" + std::string(200, 'x') + "@y>");
-  EXPECT_EQ(store(), 0U);
-  EXPECT_TRUE(fileExists(out() + std::string(200, 'x') + ".RCP"));
+  EXPECT_EQ(storedAs("<" + longest + "@y>"), longest);
 }
 
-TEST_F(Store, TwoInOneMillisecondGetDifferentNames) {
-  plat::ManualClock clock({884000000, 5});
-  plat::setClock(&clock);
-  EXPECT_EQ(store(), 0U);
-  m_message.reset(m_office->newMessage());
-  clock.set({884000000, 5});
-  EXPECT_EQ(store(), 0U);
-  plat::setClock(nullptr);
-  EXPECT_THAT(filesIn(out()),
-              ElementsAre("C0884000000005.MSG", "C0884000000005.RCP", "C0884000000006.MSG",
-                          "C0884000000006.RCP"));
-}
-
-TEST_F(Store, ANameIsTakenInEitherLetterCase) {
-  writeFile(out() + "ABC.msg", "");
-  setId("<ABC@x>");
-  EXPECT_EQ(store(), 0U);
-  EXPECT_FALSE(fileExists(out() + "ABC.RCP"));
-}
-
-TEST_F(Store, AnEndlessClashEndsWithAStatus) {
-  plat::ManualClock clock({884000000, 0});
-  plat::setClock(&clock);
-  for (int i = 0; i < 1000; ++i) {
+TEST_F(Store, NamesAreDrawnFromTheClockUntilOneIsFreeOrTheDrawsAreUsedUp) {
+  stopClock();
+  EXPECT_EQ(storedAs(""), "C0884000000005");
+  m_clock.set({884000000, 5});
+  EXPECT_EQ(storedAs(""), "C0884000000006");
+  for (int i = 7; i < 1007; ++i) {
     char name[32];
-    std::snprintf(name, sizeof name, "C0884000000%03d.RCP", i);
+    std::snprintf(name, sizeof name, "C%010d%03d.RCP", 884000000 + i / 1000, i % 1000);
     writeFile(out() + name, "");
   }
-  EXPECT_EQ(store(), 11971U);
-  plat::setClock(nullptr);
-  EXPECT_EQ(filesIn(out()).size(), 1000U);
+  m_clock.set({884000000, 7});
+  EXPECT_EQ(store(*identified("")), 11971U);
+  EXPECT_EQ(filesIn(out()).size(), 1004U);
 }
 
 TEST_F(Store, AFetchedPairKeepsItsNamesAndGainsItsIdentifyingHeader) {
-  put("KEEP", PLAIN, "Recipient: a@b\n");
-  unsigned int status = 0;
-  const auto message = next(status);
-  message->storeMessage(status);
-  EXPECT_EQ(status, 0U);
+  EXPECT_EQ(store(*fetch("KEEP", "Recipient: a@b\n")), 0U);
   EXPECT_EQ(outEnvelope("KEEP"), "Message-ID: <KEEP@here>\nReturn-path: \nRecipient: a@b\n");
 }
 
-TEST_F(Store, RenamingAFetchedMessageStillRemovesItsOwnPair) {
-  put("M", PLAIN);
-  writeFile(out() + "M.MSG", "somebody else's");
-  unsigned int status = 0;
-  auto message = next(status);
-  message->storeMessage(status);
-  EXPECT_EQ(status, 0U);
-  const std::string renamed = static_cast<KRX_Message&>(*message).messageFile().c_str();
-  writeFile(in() + renamed, "a stranger's");
-  message.reset();
-  EXPECT_THAT(filesIn(in()), ElementsAre(renamed));
-  EXPECT_EQ(readFile(out() + "M.MSG"), "somebody else's");
+TEST_F(Store, WhatARivalMakesMeanwhileIsNeitherUsedNorRemoved) {
+  const auto renamed = identified("<ABC@x>");
+  renamed->setBody(new Rival(out() + "ABC.MSG", Rival::BEFORE_CREATION));
+  EXPECT_EQ(store(*renamed), 0U);
+  EXPECT_NE(nameOf(*renamed), "ABC.RCP");
+  EXPECT_EQ(readFile(out() + "ABC.MSG"), "theirs");
+  const auto refused = identified("<DEF@x>");
+  refused->setBody(new Rival(out() + "DEF.RCP", Rival::AFTER_CREATION));
+  EXPECT_EQ(store(*refused), 11972U);
+  EXPECT_EQ(readFile(out() + "DEF.RCP"), "theirs");
+  EXPECT_FALSE(fileExists(out() + "DEF.MSG"));
 }
 
 TEST_F(Store, AFailureLeavesNoMessageFile) {
-  plat::ManualClock clock({884000000, 0});
-  plat::setClock(&clock);
+  const auto message = identified("<A@x>");
+  stopClock();
   {
     const ForeignLock lock(out());
-    EXPECT_EQ(store(), 11976U);
+    EXPECT_EQ(store(*message), 11976U);
   }
-  plat::setClock(nullptr);
-  EXPECT_THAT(filesIn(out()), IsEmpty());
   auto* body = new DAC_MemoryDataAccess;
   unsigned int status = 0;
-  const std::string line(40000, 'x');
-  body->writeLine(static_cast<std::int32_t>(line.size()), line.c_str(), status);
-  m_message->setBody(body);
-  EXPECT_EQ(store(), 10014U);
+  body->fill(40000, 'x', status);
+  body->writeLine(0, "", status);
+  message->setBody(body);
+  EXPECT_EQ(store(*message), 10014U);
+  message->clearContent();
+  message->addAddress(KRX_Maddr(130, "a type without a field", "x"));
+  EXPECT_THROW(store(*message), scl_exception_base*);
   EXPECT_THAT(filesIn(out()), IsEmpty());
-  m_message->clearContent();
-  m_message->addAddress(KRX_Maddr(130, "no name", "x"));
-  m_message->addAddress(KRX_Maddr(131, "no name", "x"));
-  EXPECT_THROW(store(), scl_exception_base*);
+}
+
+TEST_F(Store, AThrowUnderTheLockReleasesItAndLeavesNoMessageFile) {
+  const auto message = identified("<A@x>");
+  message->addresses().add(Unwritable(gma::BCCADDR, "a", "b"));
+  EXPECT_THROW(store(*message), scl_exception_base*);
+  EXPECT_TRUE(ForeignLock(out()).held);
+  EXPECT_THAT(filesIn(out()), ElementsAre("A.RCP"));
+}
+
+TEST_F(Store, WithoutRoomForAllPartsNothingIsWritten) {
+  const auto message = identified("<A@x>");
+  for (int i = 0; i < 4096; ++i) {  // 16 TiB, and next to nothing in 32 bits
+    auto* item = new DAC_MemoryDataAccess;
+    item->setIntegerAttribute("AttachmentSize", 0xFFFFFFFF);
+    message->addItem(item, false);
+  }
+  EXPECT_EQ(store(*message), 11989U);
   EXPECT_THAT(filesIn(out()), IsEmpty());
-  std::filesystem::remove(native(out()));
-  m_message.reset(m_office->newMessage());
-  EXPECT_NE(store(), 0U);
 }
 
 TEST_F(Store, DestroyingWhatWasNeverFetchedDeletesNothing) {
-  setId("<A@x>");
   put("A", PLAIN);
-  EXPECT_EQ(store(), 0U);
-  m_message.reset();
+  EXPECT_EQ(storedAs("<A@x>"), "A");
   EXPECT_THAT(filesIn(in()), ElementsAre("A.MSG", "A.RCP"));
 }
 
 TEST_F(Store, FilesOfTheSpoolAreForOwnerAndGroup) {
   const mode_t mask = ::umask(0022);
-  setId("<A@x>");
-  EXPECT_EQ(store(), 0U);
+  storedAs("<A@x>");
+  save(*fetch("B"));
   ::umask(mask);
-  struct stat found {};
-  ASSERT_EQ(::stat(native(out() + "A.MSG").c_str(), &found), 0);
-  EXPECT_EQ(found.st_mode & 0777, 0640U);
+  struct stat made {};
+  ASSERT_EQ(::stat(native(out() + "A.MSG").c_str(), &made), 0);
+  EXPECT_EQ(made.st_mode & 0777, 0640U);
+  ASSERT_EQ(::stat(native(in() + "QDXRECVR").c_str(), &made), 0);
+  EXPECT_EQ(made.st_mode & 0777, 0750U);
 }
 
 }  // namespace

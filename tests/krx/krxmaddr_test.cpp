@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "scl/SCLDUMP.h"
-
 namespace {
 
 // "user|location", with "relayed " or "status N" in front when there is something to tell.
@@ -56,24 +52,15 @@ TEST(KRX_Maddr, X400AttributeListsGiveANameOrAnotherAddress) {
 }
 
 TEST(KRX_Maddr, EightNestedAddressesAreTakenApartAndTheNinthIsRefused) {
-  const auto nested = [](int levels) {
-    std::string text = "ann(a)site";
-    for (int i = 1; i < levels; ++i) {
-      std::string escaped;
-      for (const char c : "/RFC-822=" + text) {
-        escaped += c == '(' ? "(l)" : c == ')' ? "(r)" : std::string(1, c);
-      }
-      std::string value;
-      for (const char c : escaped) {
-        value += c == '/' ? "(047)" : std::string(1, c);
-      }
-      text = value + "(a)g";
+  std::string nested = "ann(a)site";
+  for (int level = 1; level <= 9; ++level) {
+    EXPECT_EQ(parse("/RFC-822=" + nested + "@gw"), level <= 8 ? "ann|site" : "status 10132 | @");
+    std::string inner;
+    for (const char c : "/RFC-822=" + nested) {  // as a value: parentheses and slashes escaped
+      inner += c == '(' ? "(l)" : c == ')' ? "(r)" : c == '/' ? "(047)" : std::string(1, c);
     }
-    return "/RFC-822=" + text + "@gw";
-  };
-  EXPECT_EQ(parse(nested(1)), "ann|site");
-  EXPECT_EQ(parse(nested(8)), "ann|site");
-  EXPECT_EQ(parse(nested(9)).substr(0, 12), "status 10132");
+    nested = inner + "(a)g";
+  }
 }
 
 TEST(KRX_Maddr, WhatIsNoAddressIsRefusedAndLeavesNoText) {
@@ -98,7 +85,7 @@ TEST(KRX_Maddr, TextIsTheOriginalElseComposedWithoutQuoting) {
 
 TEST(KRX_Maddr, CopiesLeaveTheDefaultDomainBehind) {
   unsigned int status = 0;
-  KRX_Maddr address(gma::FROMADDR, "ann", "home", status);
+  const KRX_Maddr address(gma::FROMADDR, "ann", "home", status);
   const std::unique_ptr<GMA_Maddr> clone(address.clone());
   clone->parse("bob", status);
   EXPECT_EQ(clone->getLocation(), "");
@@ -106,12 +93,6 @@ TEST(KRX_Maddr, CopiesLeaveTheDefaultDomainBehind) {
   other = address;
   other.parse("carol", status);
   EXPECT_EQ(other.getLocation(), "kept");
-  std::ostringstream stream;
-  SCL_DumpIndent indent(2);
-  other.dump("a", stream, indent);
-  EXPECT_NE(stream.str().find("  m_friendly = \"\";\n  m_default_domain = \"kept\";\n};"),
-            std::string::npos)
-      << stream.str();
 }
 
 }  // namespace

@@ -6,7 +6,7 @@ namespace {
 
 class Maintenance : public LogTest {
  protected:
-  Maintenance() { std::filesystem::create_directory(directory + "old"); }
+  Maintenance() { std::filesystem::create_directory(folder.path("old")); }
 
   void make(const char* root, const char* nameType) {
     unsigned status = LogTest::make(stream, "UserFile", root, nameType);
@@ -16,7 +16,7 @@ class Maintenance : public LogTest {
   // "status offset date number done" after passing the older files to old/.
   std::string maintain(bool deleteFiles, const std::string& target = "old/") {
     unsigned status = 0;
-    stream.maintain((directory + target).c_str(), deleteFiles, progress, status);
+    stream.maintain(folder.path(target).c_str(), deleteFiles, progress, status);
     return std::to_string(status) + " " + std::to_string(progress.offset) + " '" + progress.date +
            "' " + std::to_string(progress.number) + (progress.done ? " done" : "");
   }
@@ -26,36 +26,37 @@ class Maintenance : public LogTest {
 };
 
 TEST_F(Maintenance, OlderDaysArePassedAndDeletedWhenAsked) {
-  write("510101", "1951");
-  write("240226", "a");
-  write("240227", "");
-  write("240229", "tomorrow");
+  folder.write("510101", "1951");
+  folder.write("240226", "a");
+  folder.write("240227", "");
+  folder.write("240229", "tomorrow");
   make("%s", "Date");
   EXPECT_EQ(maintain(false), "0 0 '' 0 done");
-  EXPECT_EQ(files("old"), "240226 510101 ");
-  EXPECT_EQ(files(), "240226 240227 240228 240229 510101 old ");
+  EXPECT_EQ(folder.names("old"), "240226 510101");
+  EXPECT_EQ(folder.names(), "240226 240227 240228 240229 510101 old");
   EXPECT_EQ(maintain(true), "0 0 '' 0 done");
-  EXPECT_EQ(files(), "240228 240229 old ");
+  EXPECT_EQ(folder.names(), "240228 240229 old");
   EXPECT_EQ(maintain(true), "10630 0 '' 0 done");
 }
 
-TEST_F(Maintenance, NumbersBelowTheOneInUseArePassed) {
+TEST_F(Maintenance, NumbersBelowTheOneInUseArePassedOnce) {
   const std::string large(100000, 'n');
-  write("9", large);
-  make("%u", "NumericSeq");
-  EXPECT_EQ(maintain(true), "0 0 '' 0 done");
-  EXPECT_EQ(files(), "10 old ");
-  EXPECT_EQ(read("old/9"), large);
+  folder.write(".L009.x", large);
+  folder.write(".L9.x", "the same number");
+  make(".L%03u.x", "NumericSeq");
+  EXPECT_EQ(maintain(false), "0 0 '' 0 done");
+  EXPECT_EQ(folder.names() + " " + folder.names("old"), ".L009.x .L010.x .L9.x old .L009.x");
+  EXPECT_EQ(read("old/.L009.x"), large);
 }
 
 TEST_F(Maintenance, AFailureIsRecordedAndTheNextCallGoesOnThere) {
-  write("240226", "first");
-  write("240227", "second");
+  folder.write("240226", "first");
+  folder.write("240227", "second");
   make("%s", "Date");
-  std::filesystem::create_directory(directory + "old/240227");
+  std::filesystem::create_directory(folder.path("old/240227"));
   EXPECT_EQ(maintain(false), "122 0 '27-Feb-2024' 0 done");
-  std::filesystem::remove(directory + "old/240227");
-  write("old/240227", "se");
+  std::filesystem::remove(folder.path("old/240227"));
+  folder.write("old/240227", "se");
   progress.offset = 2;
   EXPECT_EQ(maintain(false), "0 0 '27-Feb-2024' 0 done");
   EXPECT_EQ(read("old/240226") + read("old/240227"), "firstsecond");
@@ -65,7 +66,7 @@ TEST_F(Maintenance, AFailureIsRecordedAndTheNextCallGoesOnThere) {
 }
 
 TEST_F(Maintenance, AFileIsNeverPassedToItself) {
-  write("1", "precious");
+  folder.write("1", "precious");
   make("%u", "NumericSeq");
   EXPECT_EQ(maintain(true, ""), "454 0 '' 1");
   EXPECT_EQ(read("1"), "precious");

@@ -53,7 +53,7 @@ TEST_F(ProfileFile, AModifiedProfileIsWrittenAnewAndReadOnlyThen) {
   {
     PFA_Profile profile;
     ASSERT_EQ(openWritable(profile, "x = 1\n;c\n[ S ]\r\n\r\nA: 2 = v \n[Empty]\n[Gone]\n"), 0U);
-    folder.setMode("a.$$1", 0600);
+    folder.setMode("a.$$1", 0640);
     EXPECT_EQ(profile.dropSection("gone"), 0U);
     EXPECT_EQ(profile.selectSection("Void"), 1830U);
     EXPECT_EQ(profile.selectSection("s"), 0U);
@@ -64,19 +64,23 @@ TEST_F(ProfileFile, AModifiedProfileIsWrittenAnewAndReadOnlyThen) {
     folder.write("a.ini", "foreign");
   }
   EXPECT_EQ(folder.read("a.ini"), "foreign");
-  EXPECT_EQ(folder.mode("a.ini"), 0600U);
+  EXPECT_EQ(folder.mode("a.ini"), 0640U);
   EXPECT_EQ(folder.names(), "a.ini");
 }
 
 TEST_F(ProfileFile, WhatWasNotChangedComesBackByteForByte) {
   const std::string text = "[ S ]\r\n; c\r\nA = 1";
-  for (const bool explicitly : {true, false}) {
-    PFA_Profile profile;
-    ASSERT_EQ(open(profile, text, true), 0U);
-    EXPECT_EQ(explicitly ? profile.flush() : profile.open(ini().c_str(), false), 0U);
+  for (int way = 0; way < 3; ++way) {
+    {
+      PFA_Profile profile;
+      ASSERT_EQ(open(profile, text, true), 0U);
+      if (way < 2) {  // the third way is to destroy it
+        EXPECT_EQ(way == 0 ? profile.flush() : profile.open(ini().c_str(), false), 0U);
+      }
+    }
+    EXPECT_EQ(folder.names(), "a.ini");
     EXPECT_EQ(folder.read("a.ini"), text);
   }
-  EXPECT_EQ(folder.names(), "a.ini");
 }
 
 TEST_F(ProfileFile, AFailedFlushKeepsTheWorkingFileAndTheChanges) {
@@ -128,8 +132,8 @@ TEST_F(ProfileFile, ADeadOwnersProfileIsRestored) {
   EXPECT_EQ(profile.open(ini().c_str(), false), 0U);
   EXPECT_EQ(contents(profile), "[S] A=1|1823");
   EXPECT_EQ(folder.names(), "a.$$2 a.ini");
-  EXPECT_EQ(profile.open(folder.path("a.cfg").c_str(), true), 0U);
-  EXPECT_EQ(folder.names(), "a.$$1 a.ini");
+  EXPECT_EQ(profile.create(folder.path("a.cfg").c_str()), 1825U);
+  EXPECT_EQ(folder.names(), "a.cfg a.ini");
 }
 
 TEST_F(ProfileFile, AFileThatDoesNotNameItsProfileStaysWhereItIs) {

@@ -1,71 +1,57 @@
-// Directory locks and named mutexes, between real processes and threads.
+// Directory locks, named mutexes and events, between real processes and threads.
 #include "plat/PlatLock.h"
 
-#include <string>
 #include <thread>
-#include <vector>
 
-#include <fcntl.h>
+#include <semaphore.h>
 #include <sys/stat.h>
 
 #include "plat/PlatCommand.h"
+#include "plat/PlatEvent.h"
 #include "plat/Scene.h"
 
 namespace {
 
-class PlatLock : public scene::Directory {
- protected:
+struct PlatLock : scene::Directory {
+  static bool lock(const std::string& directory, long& handle) {
+    return plat::LockDir(directory.c_str(), 100, &handle) != 0;
+  }
   // 0 when the directory could be locked (and is unlocked again), -1 when somebody holds it, else
   // the error number.
   static int tryLock(const std::string& directory) {
     long handle = -1;
-    if (plat::LockDir(directory.c_str(), 100, &handle) == 0) {
+    if (!lock(directory, handle)) {
       const int failure = plat::lockDirFailure();
       return failure == 0 ? -1 : failure;
     }
-    plat::UnlockDir("", handle);
-    return 0;
+    return plat::UnlockDir("", handle) - 1;
   }
+  long m_handle = -1;
 };
 
 TEST_F(PlatLock, OneHolderAtATimeInAllProcessesAndScripts) {
   int error = 0;
-  const std::string script = "flock -n " + path() + " true";
-  EXPECT_EQ(plat::runCommand(script, error), 0);
-  long handle = -1;
-  ASSERT_NE(plat::LockDir(path().c_str(), 100, &handle), 0);
+  ASSERT_TRUE(lock(path(), m_handle));
   EXPECT_EQ(tryLock(path()), -1) << "the same process is no exception";
-  scene::elsewhere([&] { EXPECT_EQ(tryLock(path()), -1); });
-  EXPECT_EQ(plat::runCommand(script, error), 1);
-  EXPECT_NE(plat::UnlockDir("", handle), 0);
+  EXPECT_EQ(plat::runCommand("flock -n " + path() + " true", error), 1);
+  EXPECT_NE(plat::UnlockDir("", m_handle), 0);
   scene::elsewhere([&] { EXPECT_EQ(tryLock(path()), 0); });
   EXPECT_TRUE(std::filesystem::is_empty(path())) << "no file of ours in the spool";
+  EXPECT_EQ(tryLock(at("none")), ENOENT) << "told apart from a lock held elsewhere";
 }
 
-TEST_F(PlatLock, KilledHolderReleasesTheDirectory) {
-  std::optional<scene::Process> holder;
-  holder.emplace([&] {
-    long handle = -1;
-    plat::LockDir(path().c_str(), 100, &handle);
-  });
-  EXPECT_EQ(tryLock(path()), -1);
-  holder.reset();
+TEST_F(PlatLock, ForkedChildDoesNotKeepAReleasedLockAndAKilledHolderKeepsNone) {
+  {
+    ASSERT_TRUE(lock(path(), m_handle));
+    const scene::Process child([] {});
+    plat::UnlockDir("", m_handle);
+    EXPECT_EQ(tryLock(path()), 0);
+  }
+  {
+    const scene::Process holder([&] { lock(path(), m_handle); });
+    EXPECT_EQ(tryLock(path()), -1);
+  }
   EXPECT_EQ(tryLock(path()), 0);
-}
-
-TEST_F(PlatLock, ForkedChildDoesNotKeepAReleasedLock) {
-  long handle = -1;
-  ASSERT_NE(plat::LockDir(path().c_str(), 100, &handle), 0);
-  const scene::Process child([] {});
-  plat::UnlockDir("", handle);
-  EXPECT_EQ(tryLock(path()), 0);
-}
-
-TEST_F(PlatLock, FailureIsToldApartFromALockHeldElsewhere) {
-  EXPECT_EQ(tryLock(at("none")), ENOENT);
-  EXPECT_EQ(plat::lockDirFailure(), 0) << "reading has cleared it";
-  EXPECT_EQ(tryLock(make("file")), ENOTDIR);
-  EXPECT_EQ(plat::UnlockDir("", -1), 0);
 }
 
 // As a network file system answers: no lock on what is not open for writing.
@@ -74,23 +60,18 @@ TEST_F(PlatLock, DirectoryThatCannotBeLockedIsLockedThroughAFileInIt) {
     const int next = ::dup(0);
     ::close(next);
     scene::refuse(SYS_flock, EBADF, 0, static_cast<unsigned int>(next));
-    long first = -1;
-    EXPECT_NE(plat::LockDir(path().c_str(), 100, &first), 0);
+    EXPECT_TRUE(lock(path(), m_handle));
     EXPECT_TRUE(std::filesystem::exists(at(".krxlock")));
     EXPECT_EQ(tryLock(path()), -1);
   });
 }
 
-class PlatMutex : public scene::Directory {
- protected:
-  PlatMutex() : m_runDirectory("KRX_RUN_DIR", path()) {}
-
- private:
-  scene::Environment m_runDirectory;
+struct PlatMutex : scene::Directory {
+  const scene::Environment runDirectory{"KRX_RUN_DIR", path()};
 };
 
 TEST_F(PlatMutex, ThreadsAndProcessesExcludeEachOther) {
-  const std::string file = make("count", "0");
+  make("count", "0");
   const auto increment = [&] {
     for (int i = 0; i < 50; ++i) {
       plat::NamedMutex mutex;
@@ -101,27 +82,25 @@ TEST_F(PlatMutex, ThreadsAndProcessesExcludeEachOther) {
     }
   };
   scene::Work other(increment);
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 2; ++i) {
-    threads.emplace_back(increment);
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
+  std::thread thread(increment);
+  increment();
+  thread.join();
   EXPECT_EQ(other.end(), 0);
   EXPECT_EQ(content("count"), "150");
 }
 
-TEST_F(PlatMutex, WaiterDoesNotTakeALockFileThatWasCleanedAway) {
+TEST_F(PlatMutex, LockFileIsTheOneOfTheNameAndNoLink) {
   plat::NamedMutex first;
   ASSERT_EQ(first.lock("m"), 0);
   plat::NamedMutex waiter;
   std::thread waiting([&] { EXPECT_EQ(waiter.lock("m"), 0); });
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  std::filesystem::remove(at("m.mutex"));
+  std::filesystem::remove(at("m.mutex"));  // who cleans up takes it away from those who wait
   first.unlock();
   waiting.join();
   EXPECT_TRUE(std::filesystem::exists(at("m.mutex")));
+  std::filesystem::create_symlink("elsewhere", at("n.mutex"));
+  EXPECT_EQ(first.lock("n"), ELOOP);
 }
 
 // A directory below /tmp that somebody else prepared would let him hold our locks.
@@ -140,14 +119,41 @@ TEST_F(PlatMutex, DirectoryOfLastResortMustBeOursAlone) {
   ASSERT_EQ(::mkdir(directory.c_str(), 0700), 0);
   expectLock(EACCES);
   std::filesystem::remove(directory);
-  ASSERT_EQ(::symlink(path().c_str(), directory.c_str()), 0);
+  std::filesystem::create_symlink(path(), directory);
   expectLock(EACCES);
   std::filesystem::remove(directory);
   expectLock(0);
-  EXPECT_EQ(std::filesystem::status(directory).permissions(), std::filesystem::perms(0700));
   ASSERT_EQ(::chmod(directory.c_str(), 0777), 0);
   expectLock(EACCES);
   std::filesystem::remove_all(directory);
+}
+
+struct PlatEvent : testing::Test {
+  ~PlatEvent() override { ::sem_unlink(("/krx-" + name).c_str()); }
+  const std::string name = "test-" + std::to_string(::getpid());
+};
+
+TEST_F(PlatEvent, SetElsewhereEndsTheWaitOnce) {
+  EXPECT_EQ(plat::setNamedEvent(name), ENOENT) << "nobody has made it";
+  plat::NamedEvent event;
+  ASSERT_EQ(event.create(name), 0);
+  scene::elsewhere([&] { EXPECT_EQ(plat::setNamedEvent(name), 0); });
+  EXPECT_EQ(plat::setNamedEvent(name), 0);
+  EXPECT_TRUE(event.wait(0));
+  EXPECT_FALSE(event.wait(0)) << "at most one signal is pending";
+}
+
+TEST_F(PlatEvent, WaitEndsWithItsTimeOrWithASignalOfTheProgram) {
+  plat::NamedEvent event;
+  ASSERT_EQ(event.create(name), 0);
+  EXPECT_FALSE(event.wait(10));
+  scene::elsewhere([&] {
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    ::sigaction(SIGALRM, &action, nullptr);
+    ::ualarm(20'000, 0);
+    EXPECT_FALSE(event.wait(60'000));
+  });
 }
 
 }  // namespace

@@ -17,8 +17,6 @@
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -31,13 +29,13 @@ namespace scene {
 // A directory that goes with the test; readable for everybody, whatever the umask.
 class Directory : public testing::Test {
  protected:
-  Directory() {
-    std::string name = testing::TempDir() + "/platXXXXXX";
-    m_path = ::mkdtemp(name.data());
+  Directory() : m_path(testing::TempDir() + "/platXXXXXX") {
+    ::mkdtemp(m_path.data());
     std::filesystem::permissions(m_path, std::filesystem::perms(0755));
   }
   ~Directory() override { std::filesystem::remove_all(m_path); }
 
+  const std::string& path() const { return m_path; }
   std::string at(const std::string& name) const { return m_path + "/" + name; }
   std::string make(const std::string& name, const std::string& content = "text") const {
     std::ofstream(at(name)) << content;
@@ -47,7 +45,6 @@ class Directory : public testing::Test {
     std::ifstream file(at(name));
     return {std::istreambuf_iterator<char>(file), {}};
   }
-  const std::string& path() const { return m_path; }
 
  private:
   std::string m_path;
@@ -61,8 +58,6 @@ class Environment {
     }
     ::setenv(name, value.c_str(), 1);
   }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
   ~Environment() { m_before ? ::setenv(m_name, m_before->c_str(), 1) : ::unsetenv(m_name); }
 
  private:
@@ -70,35 +65,10 @@ class Environment {
   std::optional<std::string> m_before;
 };
 
-// A process that has done `work` when the constructor returns, then stands still, and is killed
-// with this object.
-class Process {
- public:
-  explicit Process(const std::function<void()>& work) : m_id(::fork()) {
-    if (m_id == 0) {
-      ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-      work();
-      ::raise(SIGSTOP);
-    }
-    ::waitpid(m_id, nullptr, WUNTRACED);
-  }
-  Process(const Process&) = delete;
-  Process& operator=(const Process&) = delete;
-  ~Process() {
-    ::kill(m_id, SIGKILL);
-    ::waitpid(m_id, nullptr, 0);
-  }
-
- private:
-  pid_t m_id;
-};
-
 // Starts a process that does `work`, expectations included; end() gives its exit code.
 class Work {
  public:
-  explicit Work(const std::function<void()>& work) {
-    std::fflush(nullptr);
-    m_id = ::fork();
+  explicit Work(const std::function<void()>& work) : m_id((std::fflush(nullptr), ::fork())) {
     if (m_id == 0) {
       ::prctl(PR_SET_PDEATHSIG, SIGKILL);
       work();
@@ -106,16 +76,27 @@ class Work {
       ::_exit(testing::Test::HasFailure() ? 1 : 0);
     }
   }
-  bool isRunning() { return !m_ended && !(m_ended = ::waitpid(m_id, &m_result, WNOHANG) == m_id); }
   int end() {
-    m_ended = m_ended || ::waitpid(m_id, &m_result, 0) == m_id;
-    return WIFEXITED(m_result) ? WEXITSTATUS(m_result) : 128 + WTERMSIG(m_result);
+    int result = 0;
+    ::waitpid(m_id, &result, 0);
+    return WIFEXITED(result) ? WEXITSTATUS(result) : 128 + WTERMSIG(result);
   }
 
- private:
-  pid_t m_id = -1;
-  bool m_ended = false;
-  int m_result = 0;
+ protected:
+  pid_t m_id;
+};
+
+// One that has done `work` when the constructor returns, then stands still, and is killed with this
+// object.
+class Process : Work {
+ public:
+  explicit Process(const std::function<void()>& work) : Work([&] { work(), ::raise(SIGSTOP); }) {
+    ::waitpid(m_id, nullptr, WUNTRACED);
+  }
+  ~Process() {
+    ::kill(m_id, SIGKILL);
+    end();
+  }
 };
 
 constexpr int CANNOT = 77;
@@ -155,13 +136,6 @@ inline void refuse(unsigned int call, int error, std::optional<unsigned int> arg
   const struct sock_fprog filter { static_cast<unsigned short>(std::size(program)), program };
   require(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
           ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0);
-}
-
-// A small file system in memory at `path`, gone with the process.
-inline void mountSmall(const std::string& path, unsigned long flags = 0) {
-  require(::unshare(CLONE_NEWNS) == 0 &&
-          ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-          ::mount("small", path.c_str(), "tmpfs", flags, "size=64k") == 0);
 }
 
 // Another user, without any capability.

@@ -1,13 +1,9 @@
 // The vocabulary of the tests of RFC 822 and MIME.
 #include "rfc/Support.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "atr/ATRATLST.h"
-#include "dac/DACMEMDA.h"
-#include "dac/DACMEMST.h"
-#include "gen/GENCODES.h"
 #include "gma/GMAMHDRT.h"
 #include "log/LOGGLB.h"
 #include "log/LOGLOG.h"
@@ -16,32 +12,6 @@
 namespace rfctest {
 
 namespace {
-
-class BlockStream : public DAC_MemoryStream {
- public:
-  BlockStream(std::size_t block, std::int32_t failAt) : m_block(block), m_failAt(failAt) {}
-
-  std::int32_t read(std::int32_t& position, std::int32_t count, void* buffer,
-                    unsigned int& status) override {
-    if (status == 0 && position >= m_failAt) {
-      status = DAC_READ;
-    }
-    return DAC_MemoryStream::read(position, std::min(count, m_failAt - position), buffer, status);
-  }
-  std::int32_t readLine(std::int32_t& position, std::int32_t size, char* buffer,
-                        unsigned int& status) override {
-    return DAC_Stream::readLine(position, size, buffer, status);
-  }
-  std::string_view window(std::int32_t position) override {
-    const std::size_t most =
-        m_block == 0 ? 0 : m_block - static_cast<std::size_t>(position) % m_block;
-    return DAC_MemoryStream::window(position).substr(0, most);
-  }
-
- private:
-  std::size_t m_block;
-  std::int32_t m_failAt;
-};
 
 std::string g_logged;
 
@@ -65,13 +35,6 @@ const bool g_bound = [] {
   return status == 0;
 }();
 
-Object withContent(Object object, std::string_view text) {
-  unsigned int status = 0;
-  object->write(static_cast<std::int32_t>(text.size()), text.data(), status);
-  object->setPosition(0, status);
-  return object;
-}
-
 template <class List, class Show>
 std::string joined(const List& list, Show show) {
   std::string text;
@@ -82,23 +45,6 @@ std::string joined(const List& list, Show show) {
 }
 
 }  // namespace
-
-Object inBlocks(std::string_view text, std::size_t block, std::int32_t failAt) {
-  DAC_Stream* const stream = new BlockStream(block, failAt);
-  Object object = std::make_unique<DAC_BaseDataAccess>(stream);
-  stream->release();
-  return withContent(std::move(object), text);
-}
-
-Object inMemory(std::string_view text) {
-  return withContent(std::make_unique<DAC_MemoryDataAccess>(), text);
-}
-
-std::string contentOf(DAC_BaseDataAccess& object) {
-  unsigned int status = 0;
-  object.setPosition(0, status);
-  return restOf(object);
-}
 
 std::string restOf(DAC_BaseDataAccess& object) {
   unsigned int status = 0;

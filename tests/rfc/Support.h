@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "dac/DACBASDA.h"
+#include "dac/Content.h"
 #include "scl/SCLSTRTB.h"
 
 class GMA_MhdrTable;
@@ -17,12 +17,15 @@ namespace rfctest {
 
 using Object = std::unique_ptr<DAC_BaseDataAccess>;
 
-Object inMemory(std::string_view text);
-// Behind a stream that shows its memory in blocks of `block` bytes, or not at all (0), and whose
-// reads fail with 10021 from `failAt` on.
-Object inBlocks(std::string_view text, std::size_t block, std::int32_t failAt = 0x7FFFFFFF);
+inline Object inMemory(std::string_view text) {
+  return std::make_unique<MemoryAccess>(text);
+}
+// Behind a stream that lies ready in blocks, or not at all (0), and fails from `failAt` on.
+inline Object inBlocks(std::string_view text, std::size_t block,
+                       std::int32_t failAt = DAC_Stream::MAX_SIZE) {
+  return std::make_unique<StreamAccess>(new PartlyReadyStream(block, true, failAt), text);
+}
 
-std::string contentOf(DAC_BaseDataAccess& object);
 std::string restOf(DAC_BaseDataAccess& object);  // what is to be read at the cursor
 
 SCL_StringTable table(std::initializer_list<const char*> lines);

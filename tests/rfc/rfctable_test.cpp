@@ -1,5 +1,5 @@
-// Tests of the fixed vocabulary: character classes and header names. The HTTP names need a process
-// of their own, since the name table is made once for the whole process.
+// Tests of the header names. The HTTP names need a process of their own, since the name table is
+// made once for the whole process.
 #include "rfc/rfctable.h"
 
 #include <cstdio>
@@ -10,30 +10,12 @@
 
 namespace {
 
-std::string charactersOf(std::uint16_t classes) {
-  std::string found;
-  for (int code = 0; code < 256; ++code) {
-    found += rfc::is(static_cast<char>(code), classes) ? std::string(1, static_cast<char>(code))
-                                                       : std::string();
-  }
-  return found;
-}
-
 std::string typesOf(std::initializer_list<const char*> names) {
   std::string types;
   for (const char* name : names) {
     types += std::to_string(rfc_header_type(name)) + " ";
   }
   return types;
-}
-
-TEST(CharacterClasses, HoldTheCharactersOfTheirDocument) {
-  EXPECT_EQ(charactersOf(rfc::SPECIAL), "\"(),.:;<>@[\\]");
-  EXPECT_EQ(charactersOf(rfc::MIME_SPECIAL), "\"(),/:;<=>?@[\\]");
-  EXPECT_EQ(charactersOf(rfc::LWSP), "\t ");
-  EXPECT_EQ(charactersOf(rfc::CTL).size(), 33U);
-  EXPECT_EQ(charactersOf(rfc::ALPHA | rfc::DIGIT).size(), 62U);
-  EXPECT_EQ(charactersOf(0xFFFF).size(), 128U);  // none with the eighth bit
 }
 
 TEST(HeaderNames, AreFoundInAnyLetterCase) {

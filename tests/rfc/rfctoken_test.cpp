@@ -37,8 +37,10 @@ TEST(Tokenizer, TokensKeepTheirDelimiters) {
 }
 
 TEST(Tokenizer, EachModeHasItsOwnSpecials) {
-  EXPECT_EQ(tokens("a/b.c=\xE9?)]\\", RFC_MODE_822), "0: 4 a/b|0 .|4 c=\xE9?|0 )|0 ]|0 \\|");
-  EXPECT_EQ(tokens("a/b.c=\xE9?", RFC_MODE_MIME), "0: 4 a|0 /|4 b.c|0 =|4 \xE9|0 ?|");
+  EXPECT_EQ(tokens(")<>@,;:\\.]/=?\xE9'*{~", RFC_MODE_822),
+            "0: 0 )|0 <|0 >|0 @|0 ,|0 ;|0 :|0 \\|0 .|0 ]|4 /=?\xE9'*{~|");
+  EXPECT_EQ(tokens(")<>@,;:\\/]?=.\xE9'*{~", RFC_MODE_MIME),
+            "0: 0 )|0 <|0 >|0 @|0 ,|0 ;|0 :|0 \\|0 /|0 ]|0 ?|0 =|4 .\xE9'*{~|");
 }
 
 TEST(Tokenizer, AnOpenTokenFailsAndKeepsThoseBefore) {

@@ -42,5 +42,5 @@ expect_status 74 "$krxhost" notify --append "$spool/missing" --out "$spool/noted
 put "$spool/in" PLAIN2
 expect_status 0 "$krxhost" run --once --config "$spool/krx.ini" --append "$spool/missing"
 expect_output "fetched 1, delivered 0, kept 1, failed 0"
-expect_files "$spool/in/QDXRECVR" PLAIN2.MSG PLAIN2.RCP
+expect_files "$spool/in/QDXRECVR" PLAIN2.MSG PLAIN2.RCP PLAIN2.txt
 finish

@@ -15,7 +15,7 @@ expect_output "fetched $((pairs + 3)), delivered $((pairs + 1)), kept 2, failed 
 expect_files "$spool/internet/in"
 expect_files "$spool/internet/out"
 expect_files "$spool/office/in" QDXRECVR
-expect_files "$spool/office/in/QDXRECVR" BAD01.MSG BAD01.RCP BAD02.MSG BAD02.RCP
+expect_files "$spool/office/in/QDXRECVR" BAD01.{MSG,RCP,txt} BAD02.{MSG,RCP,txt}
 
 # Nothing is changed but what has to be: a repaired type, a missing date or sender.
 for message in "$source"/examples/spool/*.MSG; do
@@ -35,5 +35,5 @@ grep -q 'Contents of "PLAIN01.RCP"' "$spool"/log/contents*.log || fail "no conte
 put "$spool/office/in" BAD01 "" $'no field here'
 put "$spool/office/in" BAD02 $'Subject: other\n\nx\n.' $'Return-path: <>\nRecipient: a@b'
 expect_status 0 "$krxhost" run --config "$spool/example.ini" --once
-expect_files "$spool/office/in/QDXRECVR" BAD01.MSG BAD01.RCP BAD02.MSG BAD02.RCP BAD02-1.MSG BAD02-1.RCP
+expect_files "$spool/office/in/QDXRECVR" BAD01.{MSG,RCP,txt} BAD02.{MSG,RCP,txt} BAD02-1.{MSG,RCP,txt}
 finish
