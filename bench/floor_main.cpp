@@ -4,7 +4,6 @@
 //   krx-floor list DIR             opens and reads each envelope and stats both files of its pair
 //   krx-floor commit DIR N BYTES   N times: writes and commits a message file and an envelope, and
 //                                  commits the directory
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,6 +14,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "bench/Stopwatch.h"
 
 namespace {
 
@@ -121,7 +122,7 @@ void writeCommitted(const std::string& path, const std::string& content) {
 void commit(const std::string& directory, unsigned long count, std::size_t bytes) {
   const std::string message(bytes, 'x');
   const std::string envelope(ENVELOPE_BYTES, 'x');
-  const auto began = std::chrono::steady_clock::now();
+  const bench::Stopwatch watch;
   for (unsigned long i = 0; i < count; ++i) {
     const std::string path = std::string(directory).append("/F").append(std::to_string(i));
     writeCommitted(path + ".MSG", message);
@@ -131,8 +132,7 @@ void commit(const std::string& directory, unsigned long count, std::size_t bytes
       fail(directory);
     }
   }
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
-  std::printf("%.6f\n", took.count());
+  std::printf("%.6f\n", watch.wallSeconds());
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// krx-office: drives the connector's module as a host does, and prints the seconds that it took.
+// krx-office: drives the connector's module as a host does, and prints the seconds that it took:
+// of processor time, where commits are made of the wall clock.
 //
 //   krx-office first PROFILE OFFICE         from loading the library to the first message
 //   krx-office drain PROFILE OFFICE         fetches, delivers and destroys until nothing waits
@@ -6,7 +7,6 @@
 //
 // A call of getppid stands before and behind the loop of drain and send, for recordings of its
 // system calls.
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -16,6 +16,7 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include "bench/Stopwatch.h"
 #include "dac/DACMEMDA.h"
 #include "gen/GENCATCH.h"
 #include "gma/GMAMSG.h"
@@ -26,16 +27,6 @@
 #include "pfa/PFAPROF.h"
 
 namespace {
-
-class Stopwatch {
- public:
-  double seconds() const {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_began).count();
-  }
-
- private:
-  std::chrono::steady_clock::time_point m_began = std::chrono::steady_clock::now();
-};
 
 void check(unsigned int status, const char* what) {
   if (status != 0) {
@@ -69,7 +60,7 @@ std::unique_ptr<GMA_PostOffice> openOffice(GMA_POGroup& group, const char* profi
 }
 
 double drain(GMA_PostOffice& office) {
-  const Stopwatch watch;
+  const bench::Stopwatch watch;
   getppid();
   unsigned int status = 0;
   while (auto message = std::unique_ptr<GMA_Message>(office.nextMessage(status))) {
@@ -77,7 +68,7 @@ double drain(GMA_PostOffice& office) {
     check(status, "deliver");
   }
   getppid();
-  return watch.seconds();
+  return watch.processorSeconds();
 }
 
 // The envelope's identity names the pair; without one, names are drawn at most one a millisecond.
@@ -103,7 +94,7 @@ double send(GMA_PostOffice& office, unsigned long count, std::size_t bytes) {
   while (text.size() < bytes) {
     text += line;
   }
-  const Stopwatch watch;
+  const bench::Stopwatch watch;
   getppid();
   for (unsigned long i = 0; i < count; ++i) {
     unsigned int status = 0;
@@ -111,17 +102,17 @@ double send(GMA_PostOffice& office, unsigned long count, std::size_t bytes) {
     check(status, "deliver");
   }
   getppid();
-  return watch.seconds();
+  return watch.wallSeconds();
 }
 
 // The message is left to the process's end: destroying it would remove its pair.
 double first(GMA_POGroup& group, const char* profile, const char* name) {
-  const Stopwatch watch;
+  const bench::Stopwatch watch;
   unsigned int status = 0;
   GMA_PostOffice* office = openOffice(group, profile, name).release();
   const GMA_Message* message = office->nextMessage(status);
   check(message == nullptr ? 1 : status, "fetch");
-  return watch.seconds();
+  return watch.processorSeconds();
 }
 
 double work(int argc, char** argv) {

@@ -3,8 +3,8 @@
 //   krx-peer DIR [--repeat K]             both files of every pair; every part is decoded into
 //   memory krx-peer --addresses FILE [--repeat K]  one address list
 //
-// GMime reads each file through its file stream, as its own examples do. It knows neither dot-stuffing
-// nor the final full stop.
+// GMime reads each file through its file stream, as its own examples do. It knows neither
+// dot-stuffing nor the final full stop.
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>

@@ -1,13 +1,12 @@
 // krx-replay TRACE: makes the system calls of a recorded run again, one after the other, with
-// nothing in between, and prints how long they took. TRACE is what `strace -X raw -s 0` wrote; the
-// calls between two calls of getppid, by which krx-office marks its loop, are repeated. The files
-// must stand where they stood when the run was recorded.
+// nothing in between, and prints the processor seconds that they took. TRACE is what `strace -X raw
+// -s 0` wrote; the calls between two calls of getppid, by which krx-office marks its loop, are
+// repeated. The files must stand where they stood when the run was recorded.
 //
 // Buffers and structures become one scratch area, descriptors are translated, calls that manage
 // memory are left out.
 #include <algorithm>
 #include <cctype>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -19,6 +18,8 @@
 
 #include <sys/syscall.h>
 #include <unistd.h>
+
+#include "bench/Stopwatch.h"
 
 namespace {
 
@@ -258,12 +259,11 @@ int main(int argc, char** argv) {
   const std::vector<Call> calls = readTrace(argv[1]);
   Player player;
   std::fill(scratch().begin(), scratch().end(), 'x');
-  const auto began = std::chrono::steady_clock::now();
+  const bench::Stopwatch watch;
   for (const Call& call : calls) {
     player.play(call);
   }
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
-  std::printf("%.6f\n", took.count());
+  std::printf("%.6f\n", watch.processorSeconds());
   printCounts(calls);
   if (player.differing() * 100 > calls.size()) {
     std::fprintf(stderr, "%lu of %zu calls went otherwise than recorded\n", player.differing(),

@@ -22,6 +22,11 @@ constexpr int LOCK_TIMEOUT = 100;
 
 std::string baseOf(const std::string& name) { return name.substr(0, name.rfind('.')); }
 
+bool isThere(const std::string& path) {
+  plat::FileStatus file;
+  return plat::status(path, file, false) == 0 && file.kind != plat::Kind::missing;
+}
+
 // The directory's lock, if it is free: what waits here can wait for the next poll.
 class TriedLock {
  public:
@@ -196,7 +201,7 @@ void Quarantine::findOpenReasons() {
   while (search.nextMatch(sizeof path, path) == 0) {
     const std::string name(path);
     const std::string base = baseOf(name.substr(name.find_last_of("\\/") + 1));
-    if (!examine(base + ".RCP") && !examine(base + ".rcp")) {
+    if (!isThere(receiver() + base + ".RCP") && !isThere(receiver() + base + ".rcp")) {
       m_open.insert(base);
     }
   }

@@ -1,3 +1,4 @@
+#pragma GCC diagnostic ignored "-Wmisleading-indentation"
 #include <gtest/gtest.h>
 #include <functional>
 #include "atr/ATRATLST.h"
