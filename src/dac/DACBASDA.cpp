@@ -38,7 +38,7 @@ DAC_BaseDataAccess::DAC_BaseDataAccess(Replace, DAC_BaseDataAccess* other)
       m_Attributes(other->m_Attributes),
       m_Parent(other->m_Parent),
       m_Stream(DAC_StreamRef::share(other->m_Stream.get())) {
-  if (m_Parent != nullptr) {
+  if (other->m_slot != NO_SLOT) {
     m_Parent->replaceChild(*other, this);
     m_slot = other->m_slot;
     other->m_slot = NO_SLOT;
@@ -57,7 +57,7 @@ DAC_BaseDataAccess::~DAC_BaseDataAccess() {
     letGo(i);  // so that a child does not look for its slot
   }
   DACList.clear();
-  if (m_Parent != nullptr) {
+  if (m_slot != NO_SLOT) {  // a copy stands in no slot, and its parent may be gone
     m_Parent->replaceChild(*this, nullptr);
   }
   m_Stream = DAC_StreamRef();
@@ -290,13 +290,10 @@ void DAC_BaseDataAccess::letGo(std::uint32_t index) noexcept {
   }
 }
 
-// Puts `replacement` into the slot that holds `child`; nothing when none does.
+// Puts `replacement` into the slot that holds `child`, which stands in one.
 void DAC_BaseDataAccess::replaceChild(const DAC_BaseDataAccess& child,
                                       DAC_BaseDataAccess* replacement) noexcept {
   std::uint32_t index = child.m_slot;
-  if (index == NO_SLOT) {
-    return;
-  }
   if (DACList[index] != &child) {  // others were inserted before it
     for (index = 0; index < DACList.count() && DACList[index] != &child;) {
       ++index;

@@ -148,7 +148,8 @@ class DAC_BaseDataAccess {
   struct CopyOf {};
   struct Replace {};
   // A view's constructor: cursor, deep copy of the attributes, parent pointer (without a slot in
-  // it), one more reference on the stream; not modified, no temporary file, no children.
+  // it; it must live when inherited attributes are asked for), one more reference on the stream;
+  // not modified, no temporary file, no children.
   DAC_BaseDataAccess(CopyOf, const DAC_BaseDataAccess& source);
   // Takes the place of the heap object `other` (attributes, cursor, stream, its slot in the parent,
   // its children) and deletes it. Null is an assertion (1).

@@ -204,7 +204,7 @@ std::int32_t DAC_FileStream::read(std::int32_t& position, std::int32_t count, vo
 }
 
 // The file's bytes from `position` on, as many as the buffer holds; empty at the end, and on a
-// failure.
+// failure. What lies beyond the reach of positions is not there, for a file may grow at any time.
 std::string_view DAC_FileStream::fetch(std::int64_t position, unsigned int& status) {
   const std::int64_t offset = position - m_start;
   if (m_buffered == Buffered::read && offset >= 0 && offset < static_cast<std::int64_t>(m_used)) {
@@ -218,7 +218,8 @@ std::string_view DAC_FileStream::fetch(std::int64_t position, unsigned int& stat
   if (!haveBuffer(m_lastSize - position, status)) {
     return {};
   }
-  if (m_file.readAt(position, m_buffer.get(), m_capacity, done) != 0) {
+  const auto reach = static_cast<std::size_t>(MAX_SIZE - position);
+  if (m_file.readAt(position, m_buffer.get(), std::min(m_capacity, reach), done) != 0) {
     dropBuffered();
     status = DAC_READ;
     return {};

@@ -17,14 +17,15 @@ constexpr std::int64_t MAX_SURPLUS = 10000000;
 constexpr std::int64_t DEFAULT_CONTENT_LIMIT = 1073741824;
 constexpr const char* CONTENT_LIMIT_VARIABLE = "KRX_MAX_CONTENT";
 
-// One mail must end in a status and not in the kernel's out-of-memory killer.
+// One mail must end in a status and not in the kernel's out-of-memory killer. What is no number as
+// a whole ("512M") does not count, since its digits alone would refuse nearly every mail.
 std::int64_t readContentLimit() noexcept {
-  const char* text = std::getenv(CONTENT_LIMIT_VARIABLE);
+  const char* set = std::getenv(CONTENT_LIMIT_VARIABLE);
+  const std::string_view text = set != nullptr ? set : "";
+  const char* const end = text.data() + text.size();
   std::int64_t limit = 0;
-  if (text != nullptr) {
-    std::from_chars(text, text + std::strlen(text), limit);
-  }
-  return std::min(limit > 0 ? limit : DEFAULT_CONTENT_LIMIT, DAC_Stream::MAX_SIZE);
+  const bool isNumber = std::from_chars(text.data(), end, limit).ptr == end;
+  return std::min(isNumber && limit > 0 ? limit : DEFAULT_CONTENT_LIMIT, DAC_Stream::MAX_SIZE);
 }
 
 std::int64_t contentLimit() noexcept {

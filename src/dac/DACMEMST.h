@@ -1,7 +1,7 @@
 // DAC_MemoryStream: content in memory, in a buffer that grows to powers of two but never more than
 // 10,000,000 bytes beyond the need, and never shrinks. The environment variable KRX_MAX_CONTENT
-// (bytes, default 1 GiB, read once) bounds the content: growth beyond it is 10011, as is memory
-// that cannot be had. Bytes that a write skips are zero.
+// (bytes, default 1 GiB, also for what is no number; read once) bounds the content: growth beyond
+// it is 10011, as is memory that cannot be had. Bytes that a write skips are zero.
 #pragma once
 
 #include "dac/DACABSST.h"

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <utility>
 
 #include "dac/DACBASDA.h"
 #include "dv/DVPATH.h"
@@ -110,6 +111,23 @@ int openTemporary(FL_File& file, SCL_String& path, unsigned int& status) {
   return error;
 }
 
+// A file that goes again, also when an exception passes, unless it is kept.
+class Unfinished {
+ public:
+  explicit Unfinished(const SCL_String& path) : m_path(path) {}
+  Unfinished(const Unfinished&) = delete;
+  Unfinished& operator=(const Unfinished&) = delete;
+  ~Unfinished() {
+    if (!m_path.isEmpty()) {
+      GENSwallow([this] { plat::remove(m_path); });
+    }
+  }
+  void keep() noexcept { m_path.clear(); }
+
+ private:
+  SCL_String m_path;
+};
+
 }  // namespace
 
 void dac::copyToFile(DAC_BaseDataAccess* object, const SCL_StringRef& path, unsigned int& status) {
@@ -135,18 +153,18 @@ void dac::copyToTemporaryFile(DAC_BaseDataAccess& object, SCL_String& path, unsi
     return;
   }
   FL_File file;
-  const int error = openTemporary(file, path, status);
-  if (path.isEmpty()) {
+  SCL_String drawn;
+  const int error = openTemporary(file, drawn, status);
+  if (drawn.isEmpty()) {
     return;
   }
+  Unfinished unfinished(error == 0 ? drawn : SCL_String());
   status = error == 0 ? 0 : DACTOFIL_OPEN;
   object.seek(DAC_BaseDataAccess::FROM_START, 0, status);
   copyAndNote(object, file, status);
-  if (status != 0) {
-    if (error == 0) {
-      plat::remove(path);
-    }
-    path.clear();
+  if (status == 0) {
+    unfinished.keep();
+    path = std::move(drawn);
   }
 }
 

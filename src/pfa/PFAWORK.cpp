@@ -2,7 +2,10 @@
 #include "pfa/PFAWORK.h"
 
 #include <cerrno>
+#include <functional>
+#include <map>
 #include <utility>
+#include <vector>
 
 #include "fl/FLFILES.h"
 #include "gen/GENCODES.h"
@@ -52,6 +55,24 @@ bool standsForLocked(const std::string& path) {
   return openExisting(again, path) == 0 && isHeld(plat::lockFile(again));
 }
 
+// The files that stand under working names of the profile, newest first: an owner that died just
+// after it had written the profile anew has left the former one as well.
+std::vector<std::string> candidatesFor(const std::string& profile) {
+  std::multimap<std::pair<std::int64_t, int>, std::string, std::greater<>> byTime;
+  for (char digit = FIRST_DIGIT; digit <= LAST_DIGIT; ++digit) {
+    std::string name = workingName(profile, digit);
+    plat::FileStatus found;
+    if (!name.empty() && plat::status(name, found) == 0 && found.kind == plat::Kind::regular) {
+      byTime.emplace(std::pair(found.modifiedSeconds, found.modifiedNanoseconds), std::move(name));
+    }
+  }
+  std::vector<std::string> names;
+  for (auto& [time, name] : byTime) {
+    names.push_back(std::move(name));
+  }
+  return names;
+}
+
 // True when the profile is back.
 bool restore(const std::string& profile, const std::string& candidate) {
   FL_File file;
@@ -79,9 +100,8 @@ void PFA_WorkingFile::recover(const std::string& profile) {
   if (!isMissing(profile)) {
     return;
   }
-  for (char digit = FIRST_DIGIT; digit <= LAST_DIGIT; ++digit) {
-    const std::string candidate = workingName(profile, digit);
-    if (!candidate.empty() && restore(profile, candidate)) {
+  for (const std::string& candidate : candidatesFor(profile)) {
+    if (restore(profile, candidate)) {
       return;
     }
   }

@@ -79,7 +79,7 @@ class Window : public DirectoryTest {};
 
 TEST_F(Window, NeitherHowMuchLiesReadyNorTheKindIsSeen) {
   std::mt19937 random(1);
-  for (int i = 0; i < 300; ++i) {
+  for (int i = 0; i < 150; ++i) {
     const std::string bytes = randomContent(random);
     for (const bool defaultLines : {false, true}) {
       StreamAccess plain(new PartlyReadyStream(0, defaultLines), bytes);

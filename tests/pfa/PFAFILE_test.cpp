@@ -1,4 +1,6 @@
 // Tests of a profile's file: exclusion by the working name, writing back, recovery after a crash.
+#include <chrono>
+
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,6 +33,10 @@ class ProfileFile : public ProfileTest {
     int state = 1;
     ASSERT_EQ(waitpid(child, &state, 0), child);
     ASSERT_EQ(state, 0);
+  }
+  bool isMarked(const std::string& name) const {
+    std::string owner;
+    return plat::getExtendedAttribute(folder.path(name), "user.krx.profile", owner) == 0;
   }
 };
 
@@ -124,16 +130,30 @@ TEST_F(ProfileFile, ADeadOwnersProfileIsRestored) {
   folder.write("a.cfg", "");
   crashHolding("a.cfg");
   ASSERT_EQ(folder.names(), "a.$$1 a.$$2");
-  PFA_Profile profile;
-  if (std::string owner;
-      plat::getExtendedAttribute(folder.path("a.$$1"), "user.krx.profile", owner) != 0) {
+  if (!isMarked("a.$$1")) {
     GTEST_SKIP() << "no extended attributes here";
   }
+  PFA_Profile profile;
   EXPECT_EQ(profile.open(ini().c_str(), false), 0U);
   EXPECT_EQ(contents(profile), "[S] A=1|1823");
   EXPECT_EQ(folder.names(), "a.$$2 a.ini");
   EXPECT_EQ(profile.create(folder.path("a.cfg").c_str()), 1825U);
   EXPECT_EQ(folder.names(), "a.cfg a.ini");
+}
+
+TEST_F(ProfileFile, OfTwoThatDeadOwnersLeftTheNewerIsRestored) {
+  const auto aDayAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(24);
+  folder.write("a.ini", "[S]\nA=old\n");
+  crashHolding("a.ini");
+  std::filesystem::last_write_time(folder.path("a.$$1"), aDayAgo);
+  folder.write("a.ini", "[S]\nA=new\n");
+  crashHolding("a.ini");
+  if (!isMarked("a.$$2")) {
+    GTEST_SKIP() << "no extended attributes here";
+  }
+  PFA_Profile profile;
+  EXPECT_EQ(profile.open(ini().c_str(), false), 0U);
+  EXPECT_EQ(contents(profile), "[S] A=new|1823");
 }
 
 TEST_F(ProfileFile, AFileThatDoesNotNameItsProfileStaysWhereItIs) {

@@ -126,6 +126,8 @@ cut_once() { # NUMBER
   (work) >"$spool/output" 2>&1 &
   host=$!
   sleep "$(printf '%d.%06d' $((moment / 1000000)) $((moment % 1000000)))"
+  # Stopped first: a host that lives on without its disk is another test's subject.
+  kill -STOP "$host" 2>/dev/null
   cut_power || fail "$when: the cut failed"
   kill -KILL "$host" 2>/dev/null
   wait "$host" 2>/dev/null

@@ -44,19 +44,15 @@ constexpr char BAD_GROUP[] = " !Base64 Invalid Data/2";
 // The rules of Base64: collect, fill up, decode group by group.
 std::string slowBase64(const std::string& in) {
   const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=";
+  std::string kept;
+  std::copy_if(in.begin(), in.end(), std::back_inserter(kept),
+               [&](char c) { return alphabet.find(c) != std::string::npos; });
   std::string out;
-  std::string group;
-  std::string problem;
-  for (std::size_t i = 0; i < in.size() || !group.empty(); ++i) {
-    if (i >= in.size()) {
-      problem = OPEN_GROUP;
-      group.resize(4, '=');
-    } else if (alphabet.find(in[i]) != std::string::npos) {
-      group += in[i];
-    }
-    if (group.size() < 4) {
-      continue;
-    }
+  const char* problem = "";
+  for (std::size_t i = 0; i < kept.size(); i += 4) {
+    std::string group = kept.substr(i, 4);
+    problem = group.size() < 4 ? OPEN_GROUP : problem;
+    group.resize(4, '=');
     const bool isBad = group[0] == '=' || group[1] == '=';
     problem = isBad ? BAD_GROUP : problem;
     std::size_t bits = 0;
@@ -67,7 +63,6 @@ std::string slowBase64(const std::string& in) {
     for (std::size_t k = 0; k < size; ++k) {
       out += static_cast<char>(bits >> (16 - 8 * k) & 0xFF);
     }
-    group.clear();
   }
   return out + problem;
 }

@@ -42,13 +42,10 @@ std::string field(const std::string& text, std::int32_t maximum = RFC_MAX_LINE) 
          " rest " + restOf(*object);
 }
 
-TEST(ReadField, ContinuationLinesAreKeptWhole) {
+TEST(ReadField, EndsAtTheNextFieldABlankLineOrTheEnd) {
   EXPECT_EQ(field("Subject: Hi\r\n there\r\n\r\nx"), "1 Subject:  Hi| there| rest \r\nx");
   EXPECT_EQ(field("A:1\nB:2\n"), "1 A: 1| rest B:2\n");
   EXPECT_EQ(field("A:1"), "1 A: 1| rest ");
-}
-
-TEST(ReadField, NothingIsReadAtABlankLineOrTheEnd) {
   EXPECT_EQ(field(" \t\nA:1"), "0 :  rest  \t\nA:1");
   EXPECT_EQ(field(""), "0 :  rest ");
 }

@@ -41,14 +41,9 @@ TEST(WriteField, FoldingBeginsAt77Characters) {
 }
 
 TEST(WriteField, FoldedTokensStandBetweenBlanks) {
-  std::string value = "receiver0@host";
-  for (int i = 1; i < 8; ++i) {
-    value += ",receiver" + std::to_string(i) + "@host";
-  }
-  EXPECT_EQ(written("To", value),
-            "To: receiver0 @ host , receiver1 @ host , receiver2 @ host , receiver3 @ \r\n"
-            "    host , receiver4 @ host , receiver5 @ host , receiver6 @ host , \r\n"
-            "    receiver7 @ host\r\n");
+  EXPECT_EQ(written("To", repeated("receiver0@host,", 7) + "one"),
+            "To: receiver0 @ host , receiver0 @ host , receiver0 @ host , receiver0 @ \r\n"
+            "    host , receiver0 @ host , receiver0 @ host , receiver0 @ host , one\r\n");
 }
 
 TEST(WriteField, ColumnsDecideWhereALineEnds) {
