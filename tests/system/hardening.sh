@@ -8,7 +8,7 @@ for file in bin/krxhost lib/libkrxmail.so lib/KRXWNT.so lib/RASAPI32.so; do
   grep -qE 'BIND_NOW|FLAGS_1.*NOW' <<<"$headers" || fail "$file: lazy binding"
   grep -q 'GNU_STACK.*RWE' <<<"$headers" && fail "$file: executable stack"
   grep -qE 'DYN \(' <<<"$(readelf -h "$build/$file")" || fail "$file: not position-independent"
-  grep -q 'IBT' <<<"$(readelf -nW "$build/$file")" || fail "$file: no control-flow protection"
+  grep -q endbr64 <<<"$(objdump -d "$build/$file")" || fail "$file: no control-flow protection"
 done
 symbols=$(readelf -sW --dyn-syms "$build/lib/libkrxmail.so")
 grep -q '__stack_chk_fail' <<<"$symbols" || fail "no stack protector"
