@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -20,6 +19,7 @@
 namespace {
 
 constexpr std::size_t ENVELOPE_BYTES = 120;
+constexpr std::size_t BUFFER_BYTES = 262144;
 
 [[noreturn]] void fail(const std::string& what) {
   std::perror(what.c_str());
@@ -62,17 +62,6 @@ std::string messageOf(std::string envelope) {
   return envelope.replace(envelope.size() - 3, 3, "MSG");
 }
 
-std::size_t readFile(const std::string& path, std::vector<char>& buffer) {
-  const Descriptor file(path, O_RDONLY | O_CLOEXEC);
-  struct stat found {};
-  if (fstat(file.number(), &found) != 0) {
-    fail(path);
-  }
-  buffer.resize(static_cast<std::size_t>(found.st_size) + 1);
-  const ssize_t got = read(file.number(), buffer.data(), buffer.size());
-  return got > 0 ? static_cast<std::size_t>(got) : 0;
-}
-
 std::size_t countLines(const char* at, std::size_t size) {
   std::size_t lines = 0;
   const char* const end = at + size;
@@ -83,20 +72,34 @@ std::size_t countLines(const char* at, std::size_t size) {
   return lines;
 }
 
+// A read that does not fill the buffer has reached the file's end.
+std::size_t readLines(const std::string& path) {
+  static char buffer[BUFFER_BYTES];
+  const Descriptor file(path, O_RDONLY | O_CLOEXEC);
+  std::size_t lines = 0;
+  std::size_t got = sizeof buffer;
+  while (got == sizeof buffer) {
+    const ssize_t result = read(file.number(), buffer, sizeof buffer);
+    if (result < 0) {
+      fail(path);
+    }
+    got = static_cast<std::size_t>(result);
+    lines += countLines(buffer, got);
+  }
+  return lines;
+}
+
 void load(const std::string& directory, unsigned long repeat) {
-  std::vector<char> buffer;
   std::size_t lines = 0;
   for (unsigned long pass = 0; pass < repeat; ++pass) {
     forEachEnvelope(directory, [&](const std::string& envelope) {
-      lines += countLines(buffer.data(), readFile(envelope, buffer));
-      lines += countLines(buffer.data(), readFile(messageOf(envelope), buffer));
+      lines += readLines(envelope) + readLines(messageOf(envelope));
     });
   }
   std::printf("lines %zu\n", lines);
 }
 
 void list(const std::string& directory) {
-  std::vector<char> buffer;
   std::int64_t bytes = 0;
   forEachEnvelope(directory, [&](const std::string& envelope) {
     struct stat status[2];
@@ -104,7 +107,7 @@ void list(const std::string& directory) {
         lstat(messageOf(envelope).c_str(), &status[1]) != 0) {
       fail(envelope);
     }
-    readFile(envelope, buffer);
+    readLines(envelope);
     bytes += status[0].st_size + status[1].st_size;
   });
   std::printf("bytes %lld\n", static_cast<long long>(bytes));

@@ -56,19 +56,18 @@ TEST_F(Files, NothingIsOverwrittenNorMadeBehindALink) {
 TEST_F(Files, CopyMatchingDoesNotMeetItsOwnOutput) {
   folder.write("a.txt", "1");
   EXPECT_EQ(copyAll("*", ".bak"), 0U);
-  EXPECT_EQ(count, 1U);
   EXPECT_EQ(folder.names(), "a.bak a.txt");
   EXPECT_EQ(copyAll("*.txt", "a<b"), 451U);
 }
 
 TEST_F(Files, DeleteMatchingLeavesWhatIsHidden) {
-  EXPECT_EQ(removeAll("*.txt"), 452U);
   for (const char* name : {"a.txt", "B.TXT", ".c.txt", "d.txt"}) {
     folder.write(name, "x");
   }
   folder.setMode("d.txt", 0444);
   EXPECT_EQ(removeAll("*.txt"), 0U);
   EXPECT_EQ(count, 2U);
+  EXPECT_EQ(removeAll("*.txt"), 452U);
   EXPECT_EQ(folder.names(), ".c.txt d.txt");
   EXPECT_EQ(fl::deleteFile(folder.path("d.txt").c_str()), 460U);
 }

@@ -6,8 +6,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "dac/DACBASDA.h"
-#include "gma/GMAPOGRP.h"
+#include "dac/DACMEMDA.h"
 #include "log/LOGGLB.h"
 #include "log/LOGLOG.h"
 #include "plat/PlatPath.h"
@@ -40,22 +39,20 @@ const bool g_bound = [] {
   return status == 0;
 }();
 
-std::string native(const std::string& path) { return plat::toNative(path); }
-
 std::string attributeText(DAC_BaseDataAccess& data, const char* name) {
   SCL_String value;
   unsigned int status = 0;
   data.getStringAttribute(name, value, status);
-  return status == 0 ? value.c_str() : "";
+  return value.c_str();
 }
 
-void describePart(std::ostream& stream, const std::string& what, DAC_BaseDataAccess& data) {
+void describePart(std::ostream& stream, const char* what, DAC_BaseDataAccess& data) {
   stream << what << " \"" << attributeText(data, "ContentTitle") << "\" "
          << attributeText(data, "ContainerName") << ": " << withLf(content(data)) << "\n";
   unsigned int status = 0;
   const std::uint32_t children = data.childCount(status);
   for (std::uint32_t i = 0; i < children; ++i) {
-    stream << "  child: " << withLf(childContent(data, i)) << "\n";
+    stream << "  child: " << withLf(content(*data.getChild(i, status))) << "\n";
   }
   if (const std::string bad = attributeText(data, "BadData"); !bad.empty()) {
     stream << "  bad: " << bad << "\n";
@@ -95,19 +92,17 @@ std::string withLf(const std::string& text) {
 }
 
 void writeFile(const std::string& path, const std::string& content) {
-  std::ofstream(native(path), std::ios::binary) << content;
+  std::ofstream(plat::toNative(path), std::ios::binary) << content;
 }
 
 std::string readFile(const std::string& path) {
-  std::ifstream file(native(path), std::ios::binary);
+  std::ifstream file(plat::toNative(path), std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-bool fileExists(const std::string& path) { return std::filesystem::exists(native(path)); }
-
 std::vector<std::string> filesIn(const std::string& directory) {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(native(directory))) {
+  for (const auto& entry : std::filesystem::directory_iterator(plat::toNative(directory))) {
     if (entry.path().filename().string().front() != '.') {
       names.push_back(entry.path().filename().string());
     }
@@ -126,10 +121,11 @@ std::string content(DAC_BaseDataAccess& data) {
   return status == 0 ? text : "status " + std::to_string(status);
 }
 
-std::string childContent(DAC_BaseDataAccess& data, std::uint32_t index) {
+DAC_BaseDataAccess* newContent(const std::string& text) {
+  auto* data = new DAC_MemoryDataAccess;
   unsigned int status = 0;
-  DAC_BaseDataAccess* child = data.getChild(index, status);
-  return child != nullptr ? content(*child) : "status " + std::to_string(status);
+  data->write(static_cast<std::int32_t>(text.size()), text.data(), status);
+  return data;
 }
 
 std::string describe(GMA_Message& message) {
@@ -159,56 +155,63 @@ std::string describe(GMA_Message& message) {
   return stream.str();
 }
 
-Spool::Spool() : m_group("Group") {
-  std::filesystem::create_directory(native(m_directory.path()) + "in");
-  std::filesystem::create_directory(native(m_directory.path()) + "out");
-  m_office = newOffice(in(), out());
+std::string baseName(const GMA_Message& message) {
+  const std::string name = static_cast<const KRX_Message&>(message).envelopeFile().c_str();
+  return name.substr(0, name.rfind('.'));
+}
+
+Spool::Spool() : m_group("Group"), m_office(new KRX_PostOffice(&m_group, "Office")) {
+  unsigned int status = 0;
+  for (const auto& [name, value] : {std::pair<std::string, std::string>("SourceDir", in()),
+                                    {"DestDir", out()},
+                                    {"MailDomain", "here"},
+                                    {"ContainerClass", "Class"}}) {
+    if (value.back() == '\\') {
+      std::filesystem::create_directory(plat::toNative(value));
+    }
+    m_office->configDirective(name.c_str(), value.c_str(), status);
+  }
+  m_office->validate(status);
+  EXPECT_EQ(status, 0U) << takeLogText();
   takeLog();
 }
 
-std::unique_ptr<KRX_PostOffice> Spool::newOffice(const std::string& source,
-                                                 const std::string& destination) {
-  auto office = std::make_unique<KRX_PostOffice>(&m_group, "Office");
-  unsigned int status = 0;
-  office->configDirective("SourceDir", source.c_str(), status);
-  office->configDirective("DestDir", destination.c_str(), status);
-  office->configDirective("MailDomain", "here", status);
-  office->configDirective("ContainerClass", "Class", status);
-  office->validate(status);
-  EXPECT_EQ(status, 0U) << takeLogText();
-  return office;
-}
-
 void Spool::put(const std::string& name, const std::string& message, const std::string& envelope) {
+  const std::string plain = "Message-ID: <" + name + "@here>\nReturn-path: s@a\nRecipient: r@b\n";
   writeFile(in() + name + ".MSG", withCrLf(message));
-  writeFile(in() + name + ".RCP",
-            withCrLf(!envelope.empty() ? envelope
-                                       : "Message-ID: <" + name + "@here>\nReturn-path: s@a\n"
-                                         "Recipient: r@b\n"));
+  writeFile(in() + name + ".RCP", withCrLf(envelope.empty() ? plain : envelope));
 }
 
 std::unique_ptr<GMA_Message> Spool::next(unsigned int& status) {
   return std::unique_ptr<GMA_Message>(m_office->nextMessage(status));
 }
 
+std::unique_ptr<GMA_Message> Spool::fetched(const std::string& message,
+                                            const std::string& envelope) {
+  put("M", message, envelope);
+  unsigned int status = 0;
+  auto found = next(status);
+  EXPECT_EQ(status, 0U) << takeLogText();
+  return found;
+}
+
 std::string Spool::load(const std::string& message, const std::string& envelope) {
   put("M", message, envelope);
   unsigned int status = 0;
   const auto loaded = next(status);
-  if (!loaded) {
-    return "nothing";
-  }
   return (status != 0 ? "status " + std::to_string(status) + "\n" : "") + describe(*loaded);
 }
 
-std::string Spool::roundTrip(const std::string& message, const std::string& envelope) {
-  put("M", message, envelope);
+unsigned int Spool::store(GMA_Message& message) {
   unsigned int status = 0;
-  const auto loaded = next(status);
-  EXPECT_EQ(status, 0U) << takeLogText();
-  loaded->storeMessage(status);
-  EXPECT_EQ(status, 0U);
-  return withLf(readFile(out() + static_cast<KRX_Message&>(*loaded).messageFile().c_str()));
+  message.storeMessage(status);
+  return status;
+}
+
+std::string Spool::roundTrip(const std::string& message, const std::string& envelope) {
+  const auto loaded = fetched(message, envelope);
+  EXPECT_EQ(store(*loaded), 0U);
+  return outMessage(baseName(*loaded));
 }
 
 }  // namespace krxtest

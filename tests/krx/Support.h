@@ -2,11 +2,11 @@
 // with "\n", and one printed form of a loaded message.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <string>
 #include <vector>
+
+#include <gmock/gmock.h>
 
 #include "gma/GMAPOGRP.h"
 #include "krx/krxmsg.h"
@@ -24,15 +24,14 @@ std::string withCrLf(const std::string& text);
 std::string withLf(const std::string& text);  // CR LF shown as "\n"
 
 void writeFile(const std::string& path, const std::string& content);
-std::string readFile(const std::string& path);
-bool fileExists(const std::string& path);
+std::string readFile(const std::string& path);                   // empty when there is none
 std::vector<std::string> filesIn(const std::string& directory);  // sorted, without point names
 
-// One line a header ("TO| a@b"), address, attribute of interest and part:
-// `body text "..."`, `item "title" MIME_Text view=raw "..."`, children indented.
+// One line a header ("TO| a@b"), address, and part: `body "title" MIME_Text: ...`, children
+// indented.
 std::string describe(GMA_Message& message);
 std::string content(DAC_BaseDataAccess& data);
-std::string childContent(DAC_BaseDataAccess& data, std::uint32_t index);
+DAC_BaseDataAccess* newContent(const std::string& text);
 
 // A spool directory pair and an open post office over it.
 class Spool : public testing::Test {
@@ -45,22 +44,27 @@ class Spool : public testing::Test {
   void put(const std::string& name, const std::string& message, const std::string& envelope = "");
   // The next message, however loading went.
   std::unique_ptr<GMA_Message> next(unsigned int& status);
+  // Puts the pair "M" and fetches it, which must succeed.
+  std::unique_ptr<GMA_Message> fetched(const std::string& message,
+                                       const std::string& envelope = "");
   // Puts the message, loads it and describes it ("status N" first when that is not 0).
   std::string load(const std::string& message, const std::string& envelope = "");
-  // Puts, loads and stores it: the text of the message file that came out, with "\n".
-  std::string roundTrip(const std::string& message, const std::string& envelope = "");
+  static unsigned int store(GMA_Message& message);
+  // The file of a stored pair, by the message and by its base name.
   std::string outMessage(const std::string& name) const {
     return withLf(readFile(out() + name + ".MSG"));
   }
   std::string outEnvelope(const std::string& name) const {
     return withLf(readFile(out() + name + ".RCP"));
   }
-  std::unique_ptr<KRX_PostOffice> newOffice(const std::string& source,
-                                            const std::string& destination);
+  // Puts, loads and stores it: the text of the message file that came out, with "\n".
+  std::string roundTrip(const std::string& message, const std::string& envelope = "");
 
   plat::TemporaryDirectory m_directory;
   GMA_POGroup m_group;
   std::unique_ptr<KRX_PostOffice> m_office;
 };
+
+std::string baseName(const GMA_Message& message);  // of the message's pair
 
 }  // namespace krxtest

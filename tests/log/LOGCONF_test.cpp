@@ -51,14 +51,13 @@ TEST_F(Configuration, StreamsTakeTheirSlotLevelAndFilterFromTheirSections) {
 TEST_F(Configuration, FaultsKeepTheStreamsThatAreGood) {
   const auto with = [&](const std::string& entries) {
     return configure("[Log]\nMain = 0\n" + entries +
-                     "[Main]\n%M[Events]\nStreamType = AppEvent\n[Typeless]\nMaxLevel = Brief\n"
+                     "[Main]\n%M[Events]\nStreamType = AppEvent\n"
                      "[Odd]\nStreamType = Printer\n[Loud]\n%MMaxLevel = Loud\n"
                      "[Red]\n%MColour = red\n");
   };
   EXPECT_EQ(with("Events = 0\n"), "10616 1");
   EXPECT_EQ(with("Events = 16\nOdd = 1\n"), "10615 1");
   EXPECT_EQ(with("Events = 1\nOdd = 2\n"), "10623 3");
-  EXPECT_EQ(with("Typeless = 1\nEvents = 2\n"), "1831 1");
   EXPECT_EQ(with("Missing = 1\n"), "1830 1");
   EXPECT_EQ(with("Loud = 1\nRed = 2\nEvents = 3\n"), "10628 9");
   EXPECT_EQ(with("Red = 1\nLoud = 2\nEvents = 3\n"), "121 9");

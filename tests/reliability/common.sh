@@ -126,13 +126,22 @@ delivered() { # NAME: how often it is there
 waits() { # NAME: its pair is still in the source directory; a sender keeps what it sends
   [ "$scenario" = send ] || { [ -e "$spool/in/$1.RCP" ] && [ -e "$spool/in/$1.MSG" ]; }
 }
-# check_envelopes WHEN: of all that is visible at the destination.
+# check_envelopes WHEN: of all that is visible at the destination, at any moment.
 check_envelopes() {
   local line
   while read -r line; do
     case $line in
       "! envelope without"*) fault "envelopes without whole message" "$1: $line" ;;
       "! envelope not"*) fault "envelopes not whole" "$1: $line" ;;
+    esac
+  done <"$spool/census"
+}
+# check_remains WHEN: of what a crash left, once another run has gone through.
+check_remains() {
+  check_envelopes "$1"
+  local line
+  while read -r line; do
+    case $line in
       "- lone"*) count "lone message files" ;;
       "! other"*) fault "working files left" "$1: $line" ;;
     esac

@@ -19,7 +19,7 @@ open_windows() {
 check_after_restart() { # WHEN NAMES-THAT-MAY-BE-TWICE
   local name times
   take_census
-  check_envelopes "$1"
+  check_remains "$1"
   for name in $(names); do
     times=$(delivered "$name")
     if [ "$times" -eq 0 ]; then

@@ -71,16 +71,13 @@ measure() {
   duration[$1]=$((${EPOCHREALTIME/./} - begin))
 }
 
-check_remarks() { # WHEN
-  take_census_of_disk
-  check_envelopes "$1"
-}
 take_census_of_disk() {
   "$pairs" census "$spool/wanted" "$disk/out" "$in/QDXRECVR" >"$spool/census"
 }
 check_run() { # WHEN
   local name open_pairs="" status=0
-  check_remarks "$1"
+  take_census_of_disk
+  check_envelopes "$1"
   for name in $(names); do
     if [ -e "$in/$name.RCP" ] && [ -e "$in/$name.MSG" ]; then
       [ "$(delivered "$name")" -eq 0 ] || open_pairs+=" $name "
@@ -92,7 +89,8 @@ check_run() { # WHEN
   done
   (work) >"$spool/output" 2>&1 || status=$?
   [ "$status" -eq 0 ] || fail "$1: the next run ended with $status: $(cat "$spool/output")"
-  check_remarks "$1, after the next run"
+  take_census_of_disk
+  check_remains "$1, after the next run"
   while read -r name times; do
     case $times in
       0) fault lost "$1: $name did not come with the next run" ;;

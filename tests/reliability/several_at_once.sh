@@ -88,7 +88,7 @@ refuse_second
 end_host "$host_a" a
 end_host "$host_b" b
 take_census
-check_envelopes "in the end"
+check_remains "in the end"
 count "messages through" "$(awk '$2 == 1 && !/^[!-]/' "$spool/census" | wc -l)"
 count lost "$(awk '$2 == 0 && !/^[!-]/' "$spool/census" | wc -l)"
 count twice "$(awk '!/^[!-]/ && $2 > 1' "$spool/census" | wc -l)"
