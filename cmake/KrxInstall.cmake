@@ -2,12 +2,12 @@
 include(CMakePackageConfigHelpers)
 
 # The headers that a host includes and what they include in turn: every folder but the connector's
-# inside, of which a host sees the export and the message class.
+# inside, of which a host sees the export.
 foreach(folder plat scl gen atr dv fl pfa dac log gma rfc)
   install(DIRECTORY src/${folder} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/krxmail
           FILES_MATCHING PATTERN "*.h")
 endforeach()
-install(FILES src/krx/krxapi.h src/krx/krxmsg.h src/krx/krxspool.h
+install(FILES src/krx/krxapi.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/krxmail/krx)
 
 install(TARGETS krxmail EXPORT KrxMailTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -7,6 +7,7 @@
 #include "gen/GENCODES.h"
 #include "host/Exit.h"
 #include "pfa/PFAPROF.h"
+#include "plat/PlatError.h"
 
 namespace host {
 namespace {
@@ -15,7 +16,8 @@ constexpr char HOST_SECTION[] = "Host";
 
 class Reader {
  public:
-  Reader(PFA_Profile& profile, const std::string& fileName) : m_profile(profile), m_file(fileName) {}
+  Reader(PFA_Profile& profile, const std::string& fileName)
+      : m_profile(profile), m_file(fileName) {}
 
   Config read() {
     Config config;
@@ -147,10 +149,14 @@ const std::string& Config::target(const std::string& from) const {
 void openProfile(PFA_Profile& profile, const std::string& fileName) {
   // A missing file is told at once; waiting for it would help nobody at a terminal.
   profile.setFlags(PFA_Profile::RETRY_BUSY, false);
+  plat::clearFailure();
   const unsigned int status = profile.open(fileName.c_str(), false);
   if (status != 0) {
-    throw Error(configuration, "Configuration file \"" + fileName + "\" cannot be read, status " +
-                                   std::to_string(status) + ".");
+    const plat::Failure& failure = plat::lastFailure();
+    throw Error(configuration,
+                "Configuration file \"" + fileName + "\" cannot be read, status " +
+                    std::to_string(status) +
+                    (failure.error == 0 ? "" : ", " + plat::errorText(failure.error)) + ".");
   }
 }
 

@@ -90,10 +90,10 @@ std::string readContent(DAC_BaseDataAccess& data) {
   unsigned int status = 0;
   std::string content(static_cast<std::size_t>(std::max(data.size(status), 0)), '\0');
   std::int32_t position = 0;
-  const std::int32_t got =
-      content.empty() ? 0
-                      : data.readAt(position, static_cast<std::int32_t>(content.size()),
-                                    content.data(), status);
+  const std::int32_t got = content.empty()
+                               ? 0
+                               : data.readAt(position, static_cast<std::int32_t>(content.size()),
+                                             content.data(), status);
   content.resize(static_cast<std::size_t>(std::max(got, 0)));
   return content;
 }
@@ -193,6 +193,8 @@ Json jsonMessage(GMA_Message& message, unsigned int status,
   return root;
 }
 
-std::string jsonString(const Json& value, int indent) { return value.dump(indent, ' ', true); }
+std::string jsonString(const Json& value, int indent) {
+  return value.dump(indent, ' ', true);
+}
 
 }  // namespace host

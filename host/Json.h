@@ -2,8 +2,9 @@
 // that any mail can be shown.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string_view>
+
+#include <nlohmann/json.hpp>
 
 #include "gma/GMAMSG.h"
 #include "host/Log.h"

@@ -162,8 +162,10 @@ int retry(PFA_Profile& profile, const Config& config, const std::string& office,
     if (name == office) {
       Quarantine quarantine(directoriesOf(profile, name).source, config);
       if (!quarantine.putBack(base)) {
-        throw Error(unavailable, base + " cannot be put back: it is not kept, its name is taken in the "
-                                        "source directory, or that directory is locked.");
+        throw Error(unavailable,
+                    base +
+                        " cannot be put back: it is not kept, its name is taken in the "
+                        "source directory, or that directory is locked.");
       }
       return Exit::done;
     }

@@ -44,8 +44,7 @@ void RecordingStream::writeEntry(unsigned int facility, unsigned int level, unsi
     return;
   }
   char buffer[16];
-  m_entries.push_back(
-      {logging::facilityCode(facility, buffer), level, std::string(text, length)});
+  m_entries.push_back({logging::facilityCode(facility, buffer), level, std::string(text, length)});
 }
 
 bool attachToFreeSlot(LOG_Logging& log, std::unique_ptr<LOG_Stream> stream) {

@@ -10,12 +10,12 @@ Module::Module() {
   std::string named;
   const std::string installed = std::string(KRX_MODULE_DIRECTORY) + "/" + KRX_MODULE_NAME;
   const bool isNamed = plat::environment("KRX_MODULE", named) && !named.empty();
-  const bool loaded = isNamed ? m_library.load(named.c_str()) != 0
-                              : m_library.load(KRX_MODULE_NAME) != 0 ||
-                                    m_library.load(installed.c_str()) != 0;
+  const bool loaded =
+      isNamed ? m_library.load(named.c_str()) != 0
+              : m_library.load(KRX_MODULE_NAME) != 0 || m_library.load(installed.c_str()) != 0;
   if (loaded) {
-    m_factory = reinterpret_cast<KRX_GetMailAccessObjectFunction>(
-        m_library.symbol(KRX_FACTORY_NAME));
+    m_factory =
+        reinterpret_cast<KRX_GetMailAccessObjectFunction>(m_library.symbol(KRX_FACTORY_NAME));
   }
   if (m_factory == nullptr) {
     throw Error(unavailable, "The connector's module " +

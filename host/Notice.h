@@ -15,8 +15,8 @@ struct NoticeFiles {
 };
 
 // Puts the notices into the message, which has its standard attributes. A coded body, or none, is
-// never mixed with a notice: the notice becomes the body and the old body the first item. The status
-// of the first failure; the message is then not to be delivered.
+// never mixed with a notice: the notice becomes the body and the old body the first item. The
+// status of the first failure; the message is then not to be delivered.
 void addNotices(GMA_Message& message, const NoticeFiles& files, unsigned int& status);
 
 // The command: loads the pair, adds the notices, and stores it into a directory. The exit status.

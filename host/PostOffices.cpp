@@ -53,8 +53,7 @@ std::string sectionValue(PFA_Profile& profile, const std::string& section, const
        status = profile.nextEntry(false)) {
     char name[64];
     char value[PFA_Profile::VALUE_SIZE];
-    if (profile.entryName(name, sizeof name) == 0 &&
-        SCL_equalNoCase(SCL_StringRef(name), entry) &&
+    if (profile.entryName(name, sizeof name) == 0 && SCL_equalNoCase(SCL_StringRef(name), entry) &&
         profile.getValue(value, sizeof value, false, 1) == 0) {
       return value;
     }
@@ -80,11 +79,15 @@ void PostOffices::add(const Module& module, PFA_Profile& profile, const std::str
   made.quarantine = std::make_unique<Quarantine>(made.sourceDirectory, m_config);
   made.object = module.newPostOffice(m_group, name, log);
   unsigned int status = 0;
+  plat::clearFailure();
   const auto failure = GENCatch([&] { made.object->configure(profile, status); });
   if (failure || status != 0) {
-    throw Error(configuration,
-                "Post office \"" + name + "\" cannot be configured, " +
-                    (failure ? *failure : "status " + std::to_string(status)) + ".");
+    throw Error(configuration, "Post office \"" + name + "\" cannot be configured, " +
+                                   (failure ? *failure : "status " + std::to_string(status)) +
+                                   (plat::lastFailure().error == 0
+                                        ? ""
+                                        : ", " + plat::errorText(plat::lastFailure().error)) +
+                                   ".");
   }
   m_postOffices.push_back(std::move(made));
 }

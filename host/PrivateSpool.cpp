@@ -83,7 +83,8 @@ PrivateSpool::PrivateSpool(const PairOptions& options) : m_log(newLog()), m_grou
     for (const RecordingStream::Entry& entry : m_recorded->entries()) {
       std::fprintf(stderr, "%s\n", entry.text.c_str());
     }
-    throw Error(configuration, "No post office for the pair, status " + std::to_string(status) + ".");
+    throw Error(configuration,
+                "No post office for the pair, status " + std::to_string(status) + ".");
   }
 }
 

@@ -1,5 +1,5 @@
-// A spool of the program's own that holds a copy of one pair, with a post office over it: what looks
-// at a pair without touching it works on this.
+// A spool of the program's own that holds a copy of one pair, with a post office over it: what
+// looks at a pair without touching it works on this.
 #pragma once
 
 #include <memory>

@@ -20,7 +20,9 @@ namespace {
 constexpr char REASON_EXTENSION[] = ".txt";
 constexpr int LOCK_TIMEOUT = 100;
 
-std::string baseOf(const std::string& name) { return name.substr(0, name.rfind('.')); }
+std::string baseOf(const std::string& name) {
+  return name.substr(0, name.rfind('.'));
+}
 
 bool isThere(const std::string& path) {
   plat::FileStatus file;
@@ -96,8 +98,9 @@ Reason readReason(const std::string& path) {
 bool writeReason(const std::string& path, const Reason& reason) {
   std::ostringstream text;
   text << "Status: " << reason.status << "\nReason: " << oneLine(reason.text)
-       << "\nTime: " << reason.time << " (" << localTime(reason.time) << ")\nTries: "
-       << reason.tries << "\nFile: " << reason.device << " " << reason.inode << "\n";
+       << "\nTime: " << reason.time << " (" << localTime(reason.time)
+       << ")\nTries: " << reason.tries << "\nFile: " << reason.device << " " << reason.inode
+       << "\n";
   const std::string content = text.str();
   const std::string temporary = path + "~";
   plat::OpenMode mode;
@@ -107,9 +110,8 @@ bool writeReason(const std::string& path, const Reason& reason) {
   mode.noFollow = true;
   mode.permissions = 0660;
   plat::File file;
-  return file.open(temporary, mode) == 0 &&
-         file.writeAt(0, content.data(), content.size()) == 0 && file.commit() == 0 &&
-         file.close() == 0 && plat::rename(temporary, path) == 0;
+  return file.open(temporary, mode) == 0 && file.writeAt(0, content.data(), content.size()) == 0 &&
+         file.commit() == 0 && file.close() == 0 && plat::rename(temporary, path) == 0;
 }
 
 }  // namespace
@@ -119,7 +121,9 @@ Quarantine::Quarantine(const std::string& sourceDirectory, const Config& config)
       m_retries(config.retries),
       m_pause(config.retryPause) {}
 
-std::string Quarantine::receiver() const { return m_source + RECEIVER_DIRECTORY; }
+std::string Quarantine::receiver() const {
+  return m_source + RECEIVER_DIRECTORY;
+}
 
 std::string Quarantine::reasonFile(const std::string& base) const {
   return receiver() + base + REASON_EXTENSION;

@@ -1,6 +1,6 @@
-// The pairs that could not be loaded or delivered: kept in the receiver directory, each with a reason
-// file BASE.txt beside it, and put back into the source directory after a pause, a limited number of
-// times. Mail in quarantine never holds up other mail.
+// The pairs that could not be loaded or delivered: kept in the receiver directory, each with a
+// reason file BASE.txt beside it, and put back into the source directory after a pause, a limited
+// number of times. Mail in quarantine never holds up other mail.
 #pragma once
 
 #include <cstdint>
@@ -19,10 +19,10 @@ namespace host {
 struct Reason {
   unsigned int status = 0;
   std::string text;
-  std::int64_t time = 0;       // of the last failure, seconds since 1970-01-01 UTC
-  std::uint32_t tries = 0;     // failures so far
-  std::uint64_t device = 0;    // the kept message file, so that a move that was interrupted
-  std::uint64_t inode = 0;     // between its two files can be finished
+  std::int64_t time = 0;     // of the last failure, seconds since 1970-01-01 UTC
+  std::uint32_t tries = 0;   // failures so far
+  std::uint64_t device = 0;  // the kept message file, so that a move that was interrupted
+  std::uint64_t inode = 0;   // between its two files can be finished
 };
 
 struct KeptPair {
@@ -43,7 +43,8 @@ class Quarantine {
   void delivered(const std::string& envelope);
   // Puts back the pairs whose pause is over and that have tries left; the number of them.
   unsigned int putBackDue();
-  // Puts back one pair by hand, whatever its tries; false when it is not there or its name is taken.
+  // Puts back one pair by hand, whatever its tries; false when it is not there or its name is
+  // taken.
   bool putBack(const std::string& base);
   std::vector<KeptPair> list() const;
 

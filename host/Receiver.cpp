@@ -1,5 +1,5 @@
-// Copies pairs into the receiver directory. The message's own save never replaces an earlier copy of
-// the same name; where one stands in the way, the pair is kept under a name with a number.
+// Copies pairs into the receiver directory. The message's own save never replaces an earlier copy
+// of the same name; where one stands in the way, the pair is kept under a name with a number.
 #include "host/Receiver.h"
 
 #include <cerrno>
@@ -8,8 +8,8 @@
 #include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "gma/GMAMSG.h"
+#include "gma/GMAPAIR.h"
 #include "host/Copy.h"
-#include "krx/krxmsg.h"
 #include "plat/PlatError.h"
 #include "plat/PlatFile.h"
 
@@ -72,8 +72,8 @@ int copyPair(const PairPaths& pair, int number) {
   if (error != 0) {
     return error;
   }
-  error = copyExclusively(pair.directory + pair.envelope, receiver + numbered(pair.envelope, number),
-                          committed);
+  error = copyExclusively(pair.directory + pair.envelope,
+                          receiver + numbered(pair.envelope, number), committed);
   if (error == 0) {
     return plat::commitDirectory(receiver);
   }
@@ -95,8 +95,7 @@ bool keepBesideEarlier(const PairPaths& pair, std::string& envelope, std::string
   for (int number = 1; number <= MAX_COPIES; ++number) {
     envelope = numbered(pair.envelope, number);
     const int error = copyPair(pair, number);
-    if (error == 0 ||
-        (error == EEXIST && isCopy(pair, envelope, numbered(pair.message, number)))) {
+    if (error == 0 || (error == EEXIST && isCopy(pair, envelope, numbered(pair.message, number)))) {
       return true;
     }
     if (error != EEXIST) {
@@ -118,7 +117,7 @@ bool keepCopy(GMA_Message& message, const std::string& sourceDirectory, std::str
     why = *failure;
     return false;
   }
-  const auto& pair = static_cast<const KRX_Message&>(message);
+  const auto& pair = dynamic_cast<const GMA_FilePair&>(message);
   if (status == 0) {
     envelope = pair.fetchedEnvelope().c_str();
     return true;
@@ -130,9 +129,9 @@ bool keepCopy(GMA_Message& message, const std::string& sourceDirectory, std::str
     }
     return false;
   }
-  return keepBesideEarlier({sourceDirectory, pair.fetchedEnvelope().c_str(),
-                            pair.fetchedMessage().c_str()},
-                           envelope, why);
+  return keepBesideEarlier(
+      {sourceDirectory, pair.fetchedEnvelope().c_str(), pair.fetchedMessage().c_str()}, envelope,
+      why);
 }
 
 }  // namespace host

@@ -6,9 +6,9 @@
 #include <cstdio>
 
 #include "gen/GENCATCH.h"
+#include "gma/GMAPAIR.h"
 #include "host/Exit.h"
 #include "host/Log.h"
-#include "krx/krxmsg.h"
 #include "plat/PlatClock.h"
 #include "plat/PlatError.h"
 #include "plat/PlatTerminal.h"
@@ -19,7 +19,7 @@ namespace {
 constexpr char RETRY_NOW_EVENT[] = "Torvanix-Brindlemark-RetryNow";
 
 std::string pairName(const GMA_Message& message) {
-  return static_cast<const KRX_Message&>(message).fetchedEnvelope().c_str();
+  return dynamic_cast<const GMA_FilePair&>(message).fetchedEnvelope().c_str();
 }
 
 std::string describe(unsigned int status) {

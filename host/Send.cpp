@@ -118,12 +118,12 @@ int send(PostOffice& office, const SendOptions& options) {
   const auto failure = GENCatch([&] { message->storeMessage(status); });
   if (failure || status != 0) {
     const plat::Failure& last = plat::lastFailure();
-    throw Error(inputOutput, "The message cannot be delivered, " +
-                                 (failure ? *failure : "status " + std::to_string(status)) +
-                                 (last.error != 0 ? ", " + last.path + ": " +
-                                                        plat::errorText(last.error)
-                                                  : std::string()) +
-                                 ".");
+    throw Error(inputOutput,
+                "The message cannot be delivered, " +
+                    (failure ? *failure : "status " + std::to_string(status)) +
+                    (last.error != 0 ? ", " + last.path + ": " + plat::errorText(last.error)
+                                     : std::string()) +
+                    ".");
   }
   return Exit::done;
 }

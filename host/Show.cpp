@@ -16,10 +16,10 @@ void printListing(GMA_Message& message, const std::string& title, PrivateSpool& 
     std::fprintf(stderr, "%s\n", entry.text.c_str());
   }
   unsigned int status = 0;
-  spool.log().attach(LISTING_STREAM,
-                     std::make_unique<TerminalStream>(TerminalStream::Output::plainOutput,
-                                                      LOG_Logging::NORMAL),
-                     status);
+  spool.log().attach(
+      LISTING_STREAM,
+      std::make_unique<TerminalStream>(TerminalStream::Output::plainOutput, LOG_Logging::NORMAL),
+      status);
   message.dumpContents(title.c_str());
 }
 

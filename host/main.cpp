@@ -1,6 +1,7 @@
 // krxhost: a real, small host for the connector, what an operator runs and a host developer reads.
-#include <CLI/CLI.hpp>
 #include <cstdio>
+
+#include <CLI/CLI.hpp>
 
 #include "gen/GENCATCH.h"
 #include "host/Config.h"
@@ -49,8 +50,7 @@ class Session {
                                        "\" cannot be used, status " + std::to_string(status) + ".");
       }
     }
-    auto terminal =
-        std::make_unique<TerminalStream>(TerminalStream::Output::error, terminalLevel);
+    auto terminal = std::make_unique<TerminalStream>(TerminalStream::Output::error, terminalLevel);
     m_terminal = terminal.get();
     if (!attachToFreeSlot(m_log, std::move(terminal))) {
       throw Error(configuration, "The log uses all of the streams 0 to 3; one must stay free.");
@@ -168,8 +168,7 @@ void addPairs(CLI::App& app, CommandLine& given) {
   show->callback([&] { given.result = host::show(given.pair, given.json); });
   CLI::App* notify = app.add_subcommand("notify", "Put a notice into the body of a pair's message");
   addNotices(*notify, given.notices);
-  notify
-      ->add_option("--out", given.pair.destination, "The directory that the new pair goes into")
+  notify->add_option("--out", given.pair.destination, "The directory that the new pair goes into")
       ->required();
   addPair(*notify, given.pair);
   notify->callback([&] { given.result = host::notify(given.pair, given.notices); });

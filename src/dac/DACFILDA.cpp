@@ -16,6 +16,7 @@ DAC_FileStream::Options optionsOf(unsigned int flags) noexcept {
   options.deleteOnClose = (flags & DAC_FileDataAccess::DELETE_ON_CLOSE) != 0;
   options.readOnly = (flags & DAC_FileDataAccess::READ_ONLY) != 0;
   options.noFollow = (flags & DAC_FileDataAccess::SPOOL) != 0;
+  options.lateName = (flags & DAC_FileDataAccess::LATE_NAME) != 0;
   options.otherCase = (flags & DAC_FileDataAccess::OTHER_CASE) != 0;
   if ((flags & DAC_FileDataAccess::SPOOL) != 0) {
     options.permissions = SPOOL_PERMISSIONS;

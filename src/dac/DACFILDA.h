@@ -16,6 +16,8 @@ class DAC_FileDataAccess : public DAC_BaseDataAccess {
   static constexpr unsigned int SPOOL = 0x400;       // no symbolic links; created with mode 0660
   static constexpr unsigned int OTHER_CASE = 0x800;  // try the extension in the other letter case
   static constexpr unsigned int LOG_FILE = 0x1000;   // created with mode 0640
+  // With CREATE and EXCLUSIVE: the file has its name once it is committed, whole.
+  static constexpr unsigned int LATE_NAME = 0x2000;
 
   // The statuses of DAC_FileStream's open and create. The object of a failed open has a stream
   // without a file, whose operations fail.

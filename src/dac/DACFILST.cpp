@@ -82,7 +82,7 @@ void DAC_FileStream::create(const SCL_StringRef& path, const Options& options,
   unsigned int ignored = 0;
   close(ignored);
   const int check = dv::checkFile(path);
-  if (check != DOES_NOT_EXIST && check != EXISTS) {
+  if (check != DOES_NOT_EXIST && (check != EXISTS || options.lateName)) {
     status = DAC_EXISTS;
     return;
   }
@@ -91,6 +91,7 @@ void DAC_FileStream::create(const SCL_StringRef& path, const Options& options,
   // The system decides whether the name is free: what exists may be a name in the other letter
   // case, and what another process has just made must not be emptied.
   mode.create = mode.exclusive = true;
+  mode.lateName = options.lateName;
   mode.noFollow = options.noFollow;
   mode.permissions = options.permissions;
   const int error = m_file.open(path, mode);

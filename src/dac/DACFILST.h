@@ -25,6 +25,7 @@ class DAC_FileStream : public DAC_Stream {
     bool readOnly = false;            // open: no write access is asked for
     bool noFollow = false;            // a symbolic link is refused
     bool otherCase = false;           // open: try the extension in the other letter case
+    bool lateName = false;            // create: the name is there once the file is committed
     unsigned int permissions = 0666;  // create: masked by the umask
   };
 

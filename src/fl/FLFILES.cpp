@@ -1,4 +1,5 @@
-// Deleting, copying, renaming and making directories, with the library's statuses.
+// Deleting, copying, renaming and making directories, with the library's
+// statuses.
 #include "fl/FLFILES.h"
 
 #include <algorithm>
@@ -35,8 +36,8 @@ std::string_view rootOf(const dv::PathRecord& record) noexcept {
       .substr(0, std::size_t{record.server.length} + record.drive.length);
 }
 
-// The matches are collected first: what is done to them changes the directory that is walked, and
-// a copy could otherwise meet its own output for ever.
+// The matches are collected first: what is done to them changes the directory
+// that is walked, and a copy could otherwise meet its own output for ever.
 unsigned int collectMatches(const SCL_StringRef& pattern, std::vector<std::string>& matches) {
   FL_Search search;
   search.startSearch(pattern, 0);
@@ -48,7 +49,8 @@ unsigned int collectMatches(const SCL_StringRef& pattern, std::vector<std::strin
   return status;
 }
 
-// Runs `operation` on each match and counts its successes; a name that has vanished is skipped.
+// Runs `operation` on each match and counts its successes; a name that has
+// vanished is skipped.
 template <class Operation>
 unsigned int forEachMatch(const SCL_StringRef& pattern, unsigned int& count, Operation operation) {
   count = 0;
@@ -104,7 +106,8 @@ unsigned int openSource(FL_File& file, const SCL_StringRef& path) {
   return error == ENOENT ? FL_NOT_FOUND : FL_COPY_OPEN;
 }
 
-unsigned int openTarget(FL_File& file, const SCL_StringRef& path, const SCL_StringRef& source) {
+unsigned int openTarget(FL_File& file, const SCL_StringRef& path, const SCL_StringRef& source,
+                        bool lateName) {
   plat::FileStatus like;
   if (plat::status(source, like, true, true) != 0) {
     return FL_COPY_OPEN;
@@ -113,6 +116,7 @@ unsigned int openTarget(FL_File& file, const SCL_StringRef& path, const SCL_Stri
   mode.write = true;
   mode.create = true;
   mode.exclusive = true;
+  mode.lateName = lateName;
   mode.permissions = (like.permissions & 0666U) | 0600U;
   const int error = file.open(path, mode);
   if (error == 0) {
@@ -126,7 +130,8 @@ bool isMissing(const SCL_StringRef& path) {
   return plat::status(path, found, false) == 0 && found.kind == plat::Kind::missing;
 }
 
-// `source` may have vanished since it was tested; the rename itself tells that first.
+// `source` may have vanished since it was tested; the rename itself tells that
+// first.
 unsigned int statusOfRename(int error, const SCL_StringRef& source) {
   switch (error) {
     case 0:
@@ -145,6 +150,35 @@ unsigned int statusOfRename(int error, const SCL_StringRef& source) {
   }
 }
 
+unsigned int commitTarget(FL_File& file) {
+  const int error = file.commit();
+  return error == 0 ? 0 : error == EEXIST ? FL_EXISTS : FL_COPY_WRITE;
+}
+
+unsigned int copyOne(const SCL_StringRef& source, const SCL_StringRef& target, bool committed) {
+  if (const unsigned int status = fl::checkAccess(source, fl::ACCESS_READ); status != 0) {
+    return status;
+  }
+  if (const unsigned int status = fl::checkAccessExact(target, fl::ACCESS_ABSENT); status != 0) {
+    return status;
+  }
+  FL_File from;
+  if (const unsigned int status = openSource(from, source); status != 0) {
+    return status;
+  }
+  FL_File to;
+  if (const unsigned int status = openTarget(to, target, source, committed); status != 0) {
+    return status;
+  }
+  unsigned int status = copyContent(from, to);
+  if (status == 0 && committed) {
+    status = commitTarget(to);
+  }
+  const int closeTarget = to.close();
+  const int closeSource = from.close();
+  return status == 0 && (closeTarget != 0 || closeSource != 0) ? FL_CLOSE : status;
+}
+
 unsigned int decodeDirectory(const SCL_StringRef& path, dv::PathRecord& record) {
   if (!fl::decodeWhole(record, path)) {
     return FL_MALFORMED;
@@ -153,8 +187,8 @@ unsigned int decodeDirectory(const SCL_StringRef& path, dv::PathRecord& record) 
                                                                                      : FL_PATTERN;
 }
 
-// Whatever mkdir answers, a directory that is there counts as existing: some file systems refuse
-// for another reason first.
+// Whatever mkdir answers, a directory that is there counts as existing: some
+// file systems refuse for another reason first.
 unsigned int makeOne(const std::string& path) {
   const int error = plat::makeDirectory(path);
   if (error == 0) {
@@ -187,24 +221,11 @@ unsigned int deleteMatching(const SCL_StringRef& pattern, unsigned int& count) {
 }
 
 unsigned int copyFile(const SCL_StringRef& source, const SCL_StringRef& target) {
-  if (const unsigned int status = checkAccess(source, ACCESS_READ); status != 0) {
-    return status;
-  }
-  if (const unsigned int status = checkAccessExact(target, ACCESS_ABSENT); status != 0) {
-    return status;
-  }
-  FL_File from;
-  if (const unsigned int status = openSource(from, source); status != 0) {
-    return status;
-  }
-  FL_File to;
-  if (const unsigned int status = openTarget(to, target, source); status != 0) {
-    return status;
-  }
-  const unsigned int status = copyContent(from, to);
-  const int closeTarget = to.close();
-  const int closeSource = from.close();
-  return status == 0 && (closeTarget != 0 || closeSource != 0) ? FL_CLOSE : status;
+  return copyOne(source, target, false);
+}
+
+unsigned int copyFileWhole(const SCL_StringRef& source, const SCL_StringRef& target) {
+  return copyOne(source, target, true);
 }
 
 unsigned int copyMatching(const SCL_StringRef& pattern, const SCL_StringRef& targetTemplate,

@@ -29,7 +29,8 @@ bool isRepresentable(std::string_view name) noexcept {
   });
 }
 
-// Nothing matches in a directory that does not exist; one that cannot be read may be full of matches.
+// Nothing matches in a directory that does not exist; one that cannot be read may be full of
+// matches.
 unsigned int statusOfOpen(int error) noexcept {
   switch (error) {
     case 0:

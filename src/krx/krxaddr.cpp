@@ -58,7 +58,8 @@ struct Range {
   std::size_t end;
 };
 
-// The tokens that hold the address: inside the angle brackets, after a source route if there is one.
+// The tokens that hold the address: inside the angle brackets, after a source route if there is
+// one.
 bool findRange(const std::vector<Token>& tokens, Range& range) {
   range = {0, tokens.size()};
   const std::size_t open = findSpecial(tokens, '<', 0);

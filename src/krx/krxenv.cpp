@@ -64,7 +64,8 @@ void KRX_Message::readEnvelope(DAC_BaseDataAccess& stream, unsigned int& status)
   SCL_String name;
   SCL_StringTable lines(5);
   bool cut = false;
-  while (status == 0 && rfc_read_field_checked(stream, RFC_MAX_LINE, name, lines, cut, status) != 0 &&
+  while (status == 0 &&
+         rfc_read_field_checked(stream, RFC_MAX_LINE, name, lines, cut, status) != 0 &&
          status == 0) {
     if (cut || SCL_equalNoCase(name, "Bad-Header")) {
       status = KRX_ENVELOPE_FORM;

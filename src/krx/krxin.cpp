@@ -209,8 +209,8 @@ void KRX_Message::placePart(std::unique_ptr<DAC_BaseDataAccess> data, const Cont
     setBody(data.release());
     return;
   }
-  data->setStringAttribute(dac::CONTENT_TITLE,
-                           name != nullptr ? SCL_StringRef(*name) : SCL_StringRef(ATTACHMENT_TITLE));
+  data->setStringAttribute(
+      dac::CONTENT_TITLE, name != nullptr ? SCL_StringRef(*name) : SCL_StringRef(ATTACHMENT_TITLE));
   if (itemCount() == UINT16_MAX) {
     KRX_logTooMany("items");
     status = KRX_NO_PARTS;
@@ -256,9 +256,12 @@ const char* KRX_Message::containerName(const SCL_StringRef& type) {
   static constexpr struct {
     const char* type;
     const char* name;
-  } NAMES[] = {{"text", "MIME_Text"},   {"multipart", "MIME_Multipart"},
-               {"message", "MIME_Message"}, {"image", "MIME_Image"},
-               {"audio", "MIME_Audio"}, {"video", "MIME_Video"},
+  } NAMES[] = {{"text", "MIME_Text"},
+               {"multipart", "MIME_Multipart"},
+               {"message", "MIME_Message"},
+               {"image", "MIME_Image"},
+               {"audio", "MIME_Audio"},
+               {"video", "MIME_Video"},
                {"application", "MIME_Application"}};
   for (const auto& row : NAMES) {
     if (SCL_equalNoCase(type, row.type)) {

@@ -6,9 +6,9 @@
 struct KRX_Message::Layout {
   enum class Shape { empty, single, multipart };
   Shape shape = Shape::empty;
-  bool generated = false;        // the boundary was made here, not by the message's own header
-  bool addMimeVersion = false;   // a MIME-Version line of our own goes before the Content-Type
-  SCL_String boundary;           // multipart only
+  bool generated = false;       // the boundary was made here, not by the message's own header
+  bool addMimeVersion = false;  // a MIME-Version line of our own goes before the Content-Type
+  SCL_String boundary;          // multipart only
   // The message's own Content-Type and Content-Transfer-Encoding describe one part of what is now a
   // generated multipart: they are left out of the header block and written on that part.
   bool moveOwnFields = false;
@@ -16,7 +16,7 @@ struct KRX_Message::Layout {
   SCL_String ownEncoding;
 
   bool leavesOut(std::uint32_t headerType) const noexcept {
-    return moveOwnFields && (headerType == gma::CONTENT_TYPE ||
-                             headerType == gma::CONTENT_TRANSFER_ENCODING);
+    return moveOwnFields &&
+           (headerType == gma::CONTENT_TYPE || headerType == gma::CONTENT_TRANSFER_ENCODING);
   }
 };

@@ -1,5 +1,5 @@
-// The boundary of the connector's operations: memory that cannot be had leaves them as the assertion
-// 1, which hosts catch, not as std::bad_alloc.
+// The boundary of the connector's operations: memory that cannot be had leaves them as the
+// assertion 1, which hosts catch, not as std::bad_alloc.
 #pragma once
 
 #include <new>

@@ -1,4 +1,5 @@
-// KRX_Message: construction, fetching from the source directory, and what destruction removes.
+// KRX_Message: construction, fetching from the source directory, and what
+// destruction removes.
 #include "krx/krxmsg.h"
 
 #include <cstring>
@@ -24,17 +25,18 @@ namespace {
 
 constexpr char RECEIVER_DIRECTORY[] = "QDXRECVR\\";
 
-// Opens a file of the pair for reading; the failure of either is a status of its own.
+// Opens a file of the pair for reading; the failure of either is a status of
+// its own.
 void openPairFile(const SCL_StringRef& path, unsigned int failure,
                   std::optional<DAC_FileDataAccess>& file, unsigned int& status) {
   if (status != 0) {
     return;
   }
   unsigned int openStatus = 0;
-  file.emplace(path,
-               DAC_FileDataAccess::READ_ONLY | DAC_FileDataAccess::SPOOL |
-                   DAC_FileDataAccess::OTHER_CASE,
-               openStatus);
+  file.emplace(
+      path,
+      DAC_FileDataAccess::READ_ONLY | DAC_FileDataAccess::SPOOL | DAC_FileDataAccess::OTHER_CASE,
+      openStatus);
   if (openStatus != 0) {
     status = failure;
   }
@@ -65,7 +67,8 @@ KRX_Message::~KRX_Message() {
   }
 }
 
-// A pair that cannot be removed would be fetched and delivered at every poll: it is remembered.
+// A pair that cannot be removed would be fetched and delivered at every poll:
+// it is remembered.
 void KRX_Message::removeFetchedPair() {
   for (const SCL_String* name : {&m_fetched_rcp, &m_fetched_msg}) {
     const int error = name->isEmpty() ? 0 : KRX_removeSpoolFile(m_src_dir + *name);
@@ -76,7 +79,7 @@ void KRX_Message::removeFetchedPair() {
       m_stuck->add(m_src_dir, m_fetched_rcp);
     }
     LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
-                              "Message %s could not be removed, %s.", name->c_str(),
+                              "Message %s could not be removed, %s.", (m_src_dir + *name).c_str(),
                               plat::errorText(error).c_str());
   }
 }
@@ -114,8 +117,9 @@ void KRX_Message::loadPair(unsigned int& status) {
 
 namespace {
 
-// A receiver directory that is a link would let its owner choose where copies go. A new one is
-// committed in its parent, else its copies could be lost with it.
+// A receiver directory that is a link would let its owner choose where copies
+// go. A new one is committed in its parent, else its copies could be lost with
+// it.
 unsigned int prepareReceiver(const SCL_StringRef& parent, const SCL_StringRef& directory) {
   const SCL_String path(directory.view().substr(0, directory.length() - 1));
   const int error = plat::makeDirectory(path.view(), 0770);
@@ -129,22 +133,13 @@ unsigned int prepareReceiver(const SCL_StringRef& parent, const SCL_StringRef& d
   return found.kind == plat::Kind::directory ? 0 : FL_EXISTS;
 }
 
-unsigned int commitFile(const SCL_StringRef& path) {
-  plat::OpenMode mode;
-  mode.read = true;
-  mode.noFollow = true;
-  plat::File file;
-  return file.open(path.view(), mode) == 0 && file.commit() == 0 ? 0 : FL_COPY_WRITE;
-}
-
-// Copies one file of the pair; the target is then its guard's, also a part of a copy, but never a
-// file that was there before.
+// Copies one file of the pair, whole and committed; it is then its guard's.
 unsigned int copyCommitted(const SCL_StringRef& source, KRX_FileGuard& target) {
-  const unsigned int status = fl::copyFile(source, target.path());
-  if (status == 0 || status == FL_COPY_READ || status == FL_COPY_WRITE || status == FL_CLOSE) {
+  const unsigned int status = fl::copyFileWhole(source, target.path());
+  if (status == 0 || status == FL_CLOSE) {
     target.own();
   }
-  return status == 0 ? commitFile(target.path()) : status;
+  return status;
 }
 
 }  // namespace
@@ -164,11 +159,13 @@ unsigned int KRX_Message::copyToReceiver() const {
   if (const unsigned int status = prepareReceiver(m_src_dir, receiver); status != 0) {
     return status;
   }
-  KRX_FileGuard envelope(receiver + m_fetched_rcp);
+  // The message file first, and taken back last: no moment leaves an envelope
+  // without its message.
   KRX_FileGuard message(receiver + m_fetched_msg);
-  unsigned int status = copyCommitted(m_src_dir + m_fetched_rcp, envelope);
+  KRX_FileGuard envelope(receiver + m_fetched_rcp);
+  unsigned int status = copyCommitted(m_src_dir + m_fetched_msg, message);
   if (status == 0) {
-    status = copyCommitted(m_src_dir + m_fetched_msg, message);
+    status = copyCommitted(m_src_dir + m_fetched_rcp, envelope);
   }
   if (status == 0 && plat::commitDirectory(receiver.view()) != 0) {
     status = FL_COPY_WRITE;

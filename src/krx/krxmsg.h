@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "gma/GMAMSG.h"
+#include "gma/GMAPAIR.h"
 #include "krx/krxspool.h"
 #include "scl/SCLSTRNG.h"
 
@@ -23,7 +24,7 @@ struct KRX_MessageSettings {
   std::shared_ptr<KRX_StuckPairs> stuckPairs;  // may be null
 };
 
-class KRX_Message : public GMA_Message {
+class KRX_Message : public GMA_Message, public GMA_FilePair {
  public:
   // An inbound pair.
   KRX_Message(GMA_PostOffice* postOffice, const KRX_PairNames& names,
@@ -55,11 +56,9 @@ class KRX_Message : public GMA_Message {
 
   const SCL_String& envelopeFile() const noexcept { return m_rcp_file; }
   const SCL_String& messageFile() const noexcept { return m_msg_file; }
-  // The names under which the pair was fetched, empty for a new message: what save copies and the
-  // destructor removes. A host that keeps pairs itself may cast a message of a post office whose
-  // type is 0 to this class for them.
-  const SCL_String& fetchedEnvelope() const noexcept { return m_fetched_rcp; }
-  const SCL_String& fetchedMessage() const noexcept { return m_fetched_msg; }
+  // What loadMessage reads, save copies and the destructor removes.
+  const SCL_String& fetchedEnvelope() const noexcept override { return m_fetched_rcp; }
+  const SCL_String& fetchedMessage() const noexcept override { return m_fetched_msg; }
 
   // Day of month, month, year of the century and time, as the Date field carries them.
   static SCL_String formatDate(const DV_DateTime& time);
@@ -78,6 +77,7 @@ class KRX_Message : public GMA_Message {
     const SCL_String* parameter(const char* name) const;
   };
   struct Layout;
+  struct PresentFields;
 
   // Inbound (krxin.cpp, krxinmp.cpp).
   int classifyContentType(const GMA_MhdrTable& headers, ContentType& type, unsigned int& status);
@@ -105,6 +105,10 @@ class KRX_Message : public GMA_Message {
   // Outbound (krxout.cpp, krxoutmp.cpp).
   void writeHeader(DAC_BaseDataAccess& stream, const GMA_Mhdr& header, unsigned int& status);
   void writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout, unsigned int& status);
+  void writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout, bool bare,
+                        unsigned int& status);
+  void writeMissingFields(DAC_BaseDataAccess& stream, const PresentFields& present,
+                          unsigned int& status);
   void writeAddressLines(DAC_BaseDataAccess& stream, std::uint32_t mask, unsigned int& status);
   Layout planLayout();
   bool ownContentType(ContentType& type);
@@ -118,7 +122,9 @@ class KRX_Message : public GMA_Message {
   static void writePartContent(DAC_BaseDataAccess& stream, DAC_BaseDataAccess& data,
                                unsigned int& status);
   DAC_BaseDataAccess& part(unsigned int index) const;  // the body first, then the items
-  unsigned int partCount() const noexcept { return (m_body != nullptr ? 1U : 0U) + m_items.count(); }
+  unsigned int partCount() const noexcept {
+    return (m_body != nullptr ? 1U : 0U) + m_items.count();
+  }
 
   // Names and delivery (krxname.cpp, krxstore.cpp).
   bool baseNameFromHeader(SCL_String& base) const;

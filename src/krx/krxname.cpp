@@ -70,8 +70,7 @@ bool KRX_Message::baseNameFromHeader(SCL_String& base) const {
   const std::string_view text = value.view();
   const std::size_t open = text.find('<');
   const std::size_t at = open == std::string_view::npos ? open : text.find('@', open);
-  if (at == std::string_view::npos ||
-      !isAcceptableBaseName(text.substr(open + 1, at - open - 1))) {
+  if (at == std::string_view::npos || !isAcceptableBaseName(text.substr(open + 1, at - open - 1))) {
     return false;
   }
   base = SCL_String(text.substr(open + 1, at - open - 1));

@@ -2,7 +2,7 @@
 // and a single part's content.
 #include <cstdio>
 
-#include "dac/DACBASDA.h"
+#include "dac/DACMEMDA.h"
 #include "dv/DVDATTIM.h"
 #include "gen/GENCODES.h"
 #include "gen/GENWNT.h"
@@ -29,8 +29,10 @@ bool isOutsideHeaderBlock(std::uint32_t type) {
   return type >= gma::RCP_UNKNOWN && type <= gma::POSTAMBLE;
 }
 
+}  // namespace
+
 // Which fields a header block already has.
-struct Present {
+struct KRX_Message::PresentFields {
   bool date = false, sender = false, recipient = false, copyRecipient = false;
 
   void note(std::uint32_t type) {
@@ -58,6 +60,8 @@ struct Present {
     }
   }
 };
+
+namespace {
 
 const char* addressFieldName(std::uint32_t type) {
   switch (type) {
@@ -106,19 +110,47 @@ void KRX_Message::writeMessage(DAC_BaseDataAccess& stream, unsigned int& status)
   writeLine(stream, ".", status);
 }
 
+// Malformed lines stand bare, unless the next reader would then take a part of the block for text.
 void KRX_Message::writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout,
                                    unsigned int& status) {
-  Present present;
+  if (m_headers.findByType(gma::BAD_FORMAT) == nullptr) {
+    writeHeaderBlock(stream, layout, true, status);
+    return;
+  }
+  DAC_MemoryDataAccess bare;
+  writeHeaderBlock(bare, layout, true, status);
+  if (KRX_isHeaderBlock(bare, status)) {
+    bare.copyTo(&stream, 0, status);
+  } else {
+    writeHeaderBlock(stream, layout, false, status);
+  }
+}
+
+void KRX_Message::writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout, bool bare,
+                                   unsigned int& status) {
+  PresentFields present;
+  const std::int32_t start = stream.getPosition();
   for (std::uint16_t i = 0; i < m_headers.count(); ++i) {
     const GMA_Mhdr& header = *m_headers.get(i);
     if (isOutsideHeaderBlock(header.type())) {
       continue;
     }
     present.note(header.type());
-    if (!layout.leavesOut(header.type())) {
+    if (layout.leavesOut(header.type())) {
+      continue;
+    }
+    if (header.type() == gma::BAD_FORMAT && header.custom().isEmpty()) {
+      const bool alone = bare || stream.getPosition() == start;
+      KRX_writeBadHeader(stream, header.value(), alone, status);
+    } else {
       writeHeader(stream, header, status);
     }
   }
+  writeMissingFields(stream, present, status);
+}
+
+void KRX_Message::writeMissingFields(DAC_BaseDataAccess& stream, const PresentFields& present,
+                                     unsigned int& status) {
   if (!present.sender) {
     writeAddressLines(stream, gma::RESENTFROMADDR, status);
     writeAddressLines(stream, gma::FROMADDR, status);
@@ -139,10 +171,6 @@ void KRX_Message::writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& lay
 
 void KRX_Message::writeHeader(DAC_BaseDataAccess& stream, const GMA_Mhdr& header,
                               unsigned int& status) {
-  if (header.custom().isEmpty() && header.type() == gma::BAD_FORMAT) {
-    KRX_writeBadLines(stream, header.value(), status);
-    return;
-  }
   const SCL_String name =
       header.custom().isEmpty() ? rfc_header_name(header.type()) : header.custom();
   if (name.isEmpty()) {
@@ -206,8 +234,7 @@ DAC_BaseDataAccess& KRX_Message::part(unsigned int index) const {
     }
     --index;
   }
-  DAC_BaseDataAccess* data =
-      index < m_items.count() ? m_items[index]->getData() : nullptr;
+  DAC_BaseDataAccess* data = index < m_items.count() ? m_items[index]->getData() : nullptr;
   if (data == nullptr) {
     GENAssert(GEN_NULL_POINTER, "krxmsg", __LINE__);
   }

@@ -1,6 +1,8 @@
 // The search for complete pairs.
 #include "krx/krxpair.h"
 
+#include <cerrno>
+
 #include "dv/DVPATH.h"
 #include "fl/FLFILES.h"
 #include "fl/FLSTATUS.h"
@@ -8,11 +10,18 @@
 #include "krx/krxapi.h"
 #include "log/LOGGLB.h"
 #include "log/LOGLOG.h"
+#include "plat/PlatError.h"
 #include "plat/PlatFile.h"
 
 namespace {
 
 constexpr char ENVELOPE_PATTERN[] = "*.RCP";
+
+// In use, gone, or no regular file: what a spool directory may hold. Anything else is trouble of
+// the machine, which would leave mail waiting without a word.
+bool isOrdinary(int error) {
+  return error == EBUSY || error == ENOENT || error == ELOOP || error == EISDIR || error == EINVAL;
+}
 
 // Opens the file as a writer that knows nothing of the directory lock would notice, and closes it
 // again: free only when nobody else has it open.
@@ -22,7 +31,13 @@ bool isFree(const SCL_StringRef& path) {
   mode.noFollow = true;
   mode.share = plat::Share::denyAll;
   plat::File file;
-  return file.open(path.view(), mode) == 0;
+  const int error = file.open(path.view(), mode);
+  if (error != 0 && !isOrdinary(error)) {
+    LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
+                              "File %s cannot be tested, %s.", path.c_str(),
+                              plat::errorText(error).c_str());
+  }
+  return error == 0;
 }
 
 // A name that nobody could open by it: every path with a wildcard is a pattern.
@@ -92,8 +107,8 @@ KRX_PairSearch::Step KRX_PairSearch::step(const SCL_StringRef& directory,
       return Step::end;
     }
     LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
-                              "Directory %s cannot be searched, status %u.", directory.c_str(),
-                              status);
+                              "Directory %s cannot be searched, status %u, %s.", directory.c_str(),
+                              status, plat::errorText(plat::lastFailure().error).c_str());
     return Step::failed;
   }
   if (!testPair(path, names) || stuck.contains(directory, names.envelope)) {

@@ -10,9 +10,9 @@
 class KRX_PairSearch {
  public:
   // The first pair in the directory's order that is complete and free, as a search that begins anew
-  // at every call would find it: the pair returned last comes again as long as it is there; then the
-  // search goes on where it stood; a "none" is the result of one whole pass. The caller holds the
-  // directory's lock. `directory` ends in a backslash.
+  // at every call would find it: the pair returned last comes again as long as it is there; then
+  // the search goes on where it stood; a "none" is the result of one whole pass. The caller holds
+  // the directory's lock. `directory` ends in a backslash.
   std::optional<KRX_PairNames> next(const SCL_StringRef& directory, const KRX_StuckPairs& stuck);
 
  private:

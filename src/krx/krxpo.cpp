@@ -11,6 +11,7 @@
 #include "krx/krxmsg.h"
 #include "log/LOGGLB.h"
 #include "log/LOGLOG.h"
+#include "plat/PlatError.h"
 #include "scl/SCLDUMP.h"
 
 namespace {
@@ -99,6 +100,7 @@ GMA_Message* KRX_PostOffice::fetchMessage(unsigned int& status) {
   }
   // Whatever a mail does to the loading, its message goes to the host: a pair that stayed here
   // would be found again by every later call.
+  plat::clearFailure();  // the search may have met a pair that had just gone
   const auto failure = GENCatch([&] { message->loadMessage(status); });
   if (failure) {
     status = GEN_INTERNAL_ERROR;

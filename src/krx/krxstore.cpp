@@ -1,6 +1,7 @@
 // Delivery: the message file first, whole and on disk, then the envelope under the directory's
-// lock; so a reader never sees an envelope without its whole message. A guard owns the message file
-// until the envelope is complete.
+// lock, with its name only when it is whole; so a reader never sees an envelope without its whole
+// message, nor half an envelope, whatever moment the process or the machine ends at. A guard
+// owns the message file until the envelope is complete.
 #include <memory>
 
 #include "dac/DACFILDA.h"
@@ -36,6 +37,8 @@ std::uint64_t partSize(DAC_BaseDataAccess& data) {
 
 constexpr unsigned int NEW_SPOOL_FILE =
     DAC_FileDataAccess::CREATE | DAC_FileDataAccess::EXCLUSIVE | DAC_FileDataAccess::SPOOL;
+
+constexpr unsigned int NEW_ENVELOPE = NEW_SPOOL_FILE | DAC_FileDataAccess::LATE_NAME;
 
 // To stable storage, and the checked close: what a destructor could not report.
 void finish(DAC_FileDataAccess& file, unsigned int& status) {
@@ -121,17 +124,24 @@ void KRX_Message::completePair(KRX_FileGuard& messageFile, unsigned int& status)
   // Ends before the lock does: nobody may find the message file beside an unfinished envelope.
   KRX_FileGuard guard(std::move(messageFile));
   unsigned int created = 0;
-  DAC_FileDataAccess file(m_dst_dir + m_rcp_file, NEW_SPOOL_FILE, created);
+  // Removed before the message file is: an envelope without its message would be a message lost.
+  KRX_FileGuard envelope(m_dst_dir + m_rcp_file);
+  DAC_FileDataAccess file(envelope.path(), NEW_ENVELOPE, created);
   if (created != 0) {
     status = KRX_ENVELOPE_CREATE;
     return;
   }
   writeEnvelope(file, status);
-  finish(file, status);
+  file.commit(status);
+  if (status == 0) {
+    envelope.own();
+  }
+  file.close(status);
   if (status == 0 && plat::commitDirectory(m_dst_dir.view()) != 0) {
     status = DAC_FLUSH;
   }
   if (status == 0) {
+    envelope.disown();
     guard.disown();
   }
 }

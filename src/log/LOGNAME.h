@@ -35,9 +35,9 @@ class LOG_NamePattern {
   template <class Visit>
   unsigned int forEachFile(Visit visit) const {
     FL_Search search;
-    search.startSearch((m_prefix + '*' + m_suffix).c_str(),
-                       FL_Search::READ_ONLY | FL_Search::HIDDEN | FL_Search::SYSTEM |
-                           FL_Search::POINT_NAMES);
+    search.startSearch(
+        (m_prefix + '*' + m_suffix).c_str(),
+        FL_Search::READ_ONLY | FL_Search::HIDDEN | FL_Search::SYSTEM | FL_Search::POINT_NAMES);
     for (;;) {
       char path[FULL_PATH_SIZE];
       const unsigned int status = search.nextMatch(sizeof path, path);

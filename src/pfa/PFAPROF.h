@@ -48,8 +48,8 @@ class PFA_Profile {
   // A new, empty file, opened for writing. 1825 it exists; 1821 it cannot be made.
   unsigned int create(const SCL_StringRef& fileName);
   // Ends writing: a modified profile is written anew, another gets its name back. The profile is
-  // read-only then. 1843 without a file name; 1822 on any failure: the working file, the changes and
-  // the right to write stay, and flush may be called again.
+  // read-only then. 1843 without a file name; 1822 on any failure: the working file, the changes
+  // and the right to write stay, and flush may be called again.
   unsigned int flush();
 
   // Names are compared without regard to case; the section's first entry becomes current. 1830 when

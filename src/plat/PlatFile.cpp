@@ -71,6 +71,21 @@ int openEither(std::string& native, const OpenMode& mode) {
   return second;
 }
 
+// A file without a name in the directory of `native`; or -1 where there are none, and then the file
+// is to be opened as any other.
+int openNameless(const std::string& native, const OpenMode& mode) {
+  if (!mode.lateName || ::access("/proc/self/fd", X_OK) < 0) {
+    return -1;
+  }
+  const std::size_t slash = native.rfind('/');
+  const std::string directory =
+      slash == std::string::npos ? std::string(".") : native.substr(0, slash + 1);
+  return repeatInterrupted([&] {
+    return ::open(directory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC,
+                  static_cast<mode_t>(mode.permissions));
+  });
+}
+
 int checkRegular(int descriptor) {
   struct stat file {};
   if (::fstat(descriptor, &file) < 0) {
@@ -111,12 +126,15 @@ int openError(const OpenMode& mode) {
 }  // namespace
 
 File::File(File&& other) noexcept
-    : m_descriptor(std::exchange(other.m_descriptor, -1)), m_path(std::move(other.m_path)) {}
+    : m_descriptor(std::exchange(other.m_descriptor, -1)),
+      m_name(std::exchange(other.m_name, Name::settled)),
+      m_path(std::move(other.m_path)) {}
 
 File& File::operator=(File&& other) noexcept {
   if (this != &other) {
     close();
     m_descriptor = std::exchange(other.m_descriptor, -1);
+    m_name = std::exchange(other.m_name, Name::settled);
     m_path = std::move(other.m_path);
   }
   return *this;
@@ -130,12 +148,17 @@ int File::open(std::string_view path, const OpenMode& mode) {
   close();
   const NativePath native(path);
   m_path = native.text();
-  Descriptor opened(openEither(m_path, mode));
+  const int nameless = openNameless(m_path, mode);
+  Descriptor opened(nameless >= 0 ? nameless : openEither(m_path, mode));
   const int error = opened.isOpen() ? settle(opened.get(), mode) : openError(mode);
   if (error != 0) {
+    if (opened.isOpen() && nameless < 0 && mode.create && mode.exclusive) {
+      ::unlink(m_path.c_str());  // our own, and of no use to anyone
+    }
     return m_path.empty() ? native.fail("open", error) : fail("open", m_path, error);
   }
   m_descriptor = opened.release();
+  m_name = nameless >= 0 ? Name::missing : mode.lateName ? Name::provisional : Name::settled;
   return 0;
 }
 
@@ -187,16 +210,33 @@ int File::setSize(std::int64_t bytes) {
 }
 
 int File::commit() {
-  if (commitDisabled()) {
-    return 0;
+  if (!commitDisabled() && repeatInterrupted([&] { return ::fsync(m_descriptor); }) < 0) {
+    return fail("fsync", m_path, errno);
   }
-  const int result = repeatInterrupted([&] { return ::fsync(m_descriptor); });
-  return result < 0 ? fail("fsync", m_path, errno) : 0;
+  if (m_name == Name::missing) {
+    return takeName();
+  }
+  m_name = Name::settled;
+  return 0;
+}
+
+int File::takeName() {
+  const std::string self = "/proc/self/fd/" + std::to_string(m_descriptor);
+  if (repeatInterrupted([&] {
+        return ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_path.c_str(), AT_SYMLINK_FOLLOW);
+      }) < 0) {
+    return fail("link", m_path, errno);
+  }
+  m_name = Name::settled;
+  return 0;
 }
 
 int File::close() {
   if (m_descriptor < 0) {
     return 0;
+  }
+  if (std::exchange(m_name, Name::settled) == Name::provisional) {
+    ::unlink(m_path.c_str());
   }
   // The descriptor is gone whatever the answer; an interrupted close is not repeated, because the
   // number may by then be somebody else's.

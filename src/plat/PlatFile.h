@@ -23,6 +23,10 @@ struct OpenMode {
   bool append = false;     // every write lands at the end (O_APPEND)
   bool create = false;     // made when missing
   bool exclusive = false;  // with create: EEXIST when the name exists, also as a link
+  // With create, exclusive and write: the file gets its name when it is committed, whole; a file
+  // that is closed before leaves nothing. Where the file system has no nameless files the name is
+  // there at once, and the close takes it back.
+  bool lateName = false;
   bool truncate = false;
   bool noFollow = false;    // ELOOP for a symbolic link: set for spool files
   bool regularOnly = true;  // EINVAL (EISDIR for a directory) for anything but a regular file
@@ -56,12 +60,19 @@ class File {
   int writeAt(std::int64_t position, const void* data, std::size_t count);
   int size(std::int64_t& bytes) const;
   int setSize(std::int64_t bytes);
-  int commit();  // to stable storage; nothing with KRX_COMMIT=0
-  int close();   // the checked close; a second one does nothing
+  // To stable storage (not with KRX_COMMIT=0); then a file with a late name gets it, EEXIST when
+  // the name was taken meanwhile.
+  int commit();
+  int close();  // the checked close; a second one does nothing
   int descriptor() const noexcept { return m_descriptor; }
 
  private:
+  enum class Name { settled, missing, provisional };  // of a file that is to have it late
+
+  int takeName();
+
   int m_descriptor = -1;
+  Name m_name = Name::settled;
   std::string m_path;
 };
 

@@ -15,7 +15,7 @@ namespace plat {
 std::string toNative(std::string_view path);
 // "/spool/in" -> "\spool\in".
 std::string fromNative(std::string_view path);
-std::string currentDrive();      // "C:"
+std::string currentDrive();  // "C:"
 // "\dir\", ends in a backslash; empty when the directory has no name any more (it was removed), so
 // that no relative path is taken for one at the root.
 std::string currentDirectory();

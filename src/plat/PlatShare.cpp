@@ -22,17 +22,18 @@ namespace {
 // A writer that takes no lock has most probably finished with a file that it left alone for this
 // long.
 constexpr std::int64_t QUIET_MILLISECONDS = 2000;
-// The clocks of a network differ by minutes, by an hour where one of them missed summer time. A file
-// from farther in the future was stamped wrongly, and must not count as in use until then.
+// The clocks of a network differ by minutes, by an hour where one of them missed summer time. A
+// file from farther in the future was stamped wrongly, and must not count as in use until then.
 constexpr std::int64_t FUTURE_MILLISECONDS = 2 * 3600 * 1000;
 
 // Takes a lease and gives it back at once. Somebody who opens the file in that moment makes the
 // kernel tell us by a signal: SIGIO, the default, would end the host, SIGURG is ignored by default.
 int testLease(int descriptor, int type) {
-  if (::fcntl(descriptor, F_SETSIG, SIGURG) < 0 || ::fcntl(descriptor, F_SETLEASE, type) < 0) {
+  if (repeatInterrupted([&] { return ::fcntl(descriptor, F_SETSIG, SIGURG); }) < 0 ||
+      repeatInterrupted([&] { return ::fcntl(descriptor, F_SETLEASE, type); }) < 0) {
     return errno;
   }
-  ::fcntl(descriptor, F_SETLEASE, F_UNLCK);
+  repeatInterrupted([&] { return ::fcntl(descriptor, F_SETLEASE, F_UNLCK); });
   return 0;
 }
 

@@ -42,11 +42,14 @@ class FileTest : public DirectoryTest {
 };
 
 TEST_F(FileTest, OpenTellsWhatTheNameIs) {
-  makeFile("there", "x");
-  EXPECT_EQ(statusOf("there", 0), 0U);
+  const std::string name = makeFile("a.txt", "x");
+  File file(name.c_str(), 0, m_status);
+  EXPECT_EQ(m_status, 0U);
+  EXPECT_STREQ(file.findAttribute(dac::CONTENT_TITLE)->string().c_str(), "a.txt");
+  EXPECT_EQ(file.findAttribute(dac::CONTENT_PATH)->string().c_str(), plat::fromNative(name));
   EXPECT_EQ(statusOf("missing", 0), DV_NOT_FOUND);
-  EXPECT_EQ(statusOf("t*", 0), DV_NO_MATCH);
-  EXPECT_EQ(statusOf("*/there", 0), DV_PATTERN);
+  EXPECT_EQ(statusOf("a*", 0), DV_NO_MATCH);
+  EXPECT_EQ(statusOf("*/a.txt", 0), DV_PATTERN);
   EXPECT_EQ(statusOf("", 0), DV_PATTERN);
   EXPECT_EQ(statusOf("", File::CREATE), DV_PATTERN);
 }
@@ -85,13 +88,6 @@ TEST_F(FileTest, LinesAcrossTheEdgeOfTheWindowAreRead) {
     EXPECT_EQ(lengths, std::to_string(first) + " 65536 0 1 0 ");
     m_status = 0;
   }
-}
-
-TEST_F(FileTest, NameIsTakenApartIntoAttributes) {
-  const std::string name = makeFile("a.txt", "x");
-  File file(name.c_str(), 0, m_status);
-  EXPECT_STREQ(file.findAttribute(dac::CONTENT_TITLE)->string().c_str(), "a.txt");
-  EXPECT_EQ(file.findAttribute(dac::CONTENT_PATH)->string().c_str(), plat::fromNative(name));
 }
 
 TEST_F(FileTest, OtherLetterCaseIsFoundAndDeleted) {
@@ -175,8 +171,6 @@ TEST_F(FileTest, BlocksOfAllSizesComeBackInOrder) {
   file.close(m_status);
   EXPECT_EQ(m_status, 0U);
   EXPECT_TRUE(fileContent("f") == expected);
-  EXPECT_EQ(file.size(m_status), 0);
-  EXPECT_EQ(m_status, DAC_SEEK);
 }
 
 // Runs in a child: the limit holds for the process.
@@ -184,18 +178,14 @@ TEST_F(FileTest, BlocksOfAllSizesComeBackInOrder) {
   std::signal(SIGXFSZ, SIG_IGN);
   const rlimit limit = {.rlim_cur = 1000, .rlim_max = 1000};
   setrlimit(RLIMIT_FSIZE, &limit);
-  unsigned int status = 0;
-  File file(first.c_str(), File::CREATE, status);
-  const auto tell = [&] { std::fprintf(stderr, "%u ", std::exchange(status, 0)); };
-  file.fill(1001, 'x', status);
-  tell();
-  file.flush(status);
-  tell();
-  file.close(status);
-  tell();
+  unsigned int status[4] = {};
+  File file(first.c_str(), File::CREATE, status[0]);
+  file.fill(1001, 'x', status[0]);
+  file.flush(status[1]);
+  file.close(status[2]);
   MemoryAccess source(std::string(1001, 'x'));
-  dac::copyToFile(&source, second.c_str(), status);
-  tell();
+  dac::copyToFile(&source, second.c_str(), status[3]);
+  std::fprintf(stderr, "%u %u %u %u", status[0], status[1], status[2], status[3]);
   std::exit(0);
 }
 
@@ -227,31 +217,23 @@ class FileAtATimeTest : public FileTest {
   plat::ManualClock m_clock{{1000, 0}};
 };
 
-TEST_F(FileAtATimeTest, FileNameIsMadeOnceAndGoesWithTheObject) {
+TEST_F(FileAtATimeTest, FileNameIsMadeOnceNoLinkAndGoesWithTheObject) {
   const std::string bytes(40000, 'x');
+  std::filesystem::create_symlink(path("victim"), path("1000001"));
   char name[260] = "";
   {
     MemoryAccess object(bytes);
     object.getFileName(sizeof name, name, m_status);
-    EXPECT_EQ(plat::toNative(name), path("1000001"));
-    EXPECT_TRUE(fileContent("1000001") == bytes);
-    EXPECT_EQ(mode("1000001"), 0600U);
+    EXPECT_EQ(plat::toNative(name), path("1000002"));
+    EXPECT_TRUE(fileContent("1000002") == bytes);
+    EXPECT_EQ(mode("1000002"), 0600U);
     const auto length = static_cast<std::int32_t>(std::strlen(name));
     object.getFileName(length + 1, name, m_status);
     EXPECT_EQ(m_status, 0U);
     object.getFileName(length, name, m_status);
     EXPECT_EQ(m_status, DAC_PATH_TOO_LONG);
   }
-  EXPECT_FALSE(exists("1000001") || exists("1000002"));
-}
-
-TEST_F(FileAtATimeTest, ALinkUnderTheTemporaryNameIsNotWrittenThrough) {
-  std::filesystem::create_symlink(path("victim"), path("1000001"));
-  MemoryAccess object("abc");
-  char name[260] = "";
-  object.getFileName(sizeof name, name, m_status);
-  EXPECT_EQ(fileContent("1000002"), "abc");
-  EXPECT_FALSE(exists("victim"));
+  EXPECT_FALSE(exists("1000002") || exists("1000003") || exists("victim"));
 }
 
 TEST_F(FileAtATimeTest, ACopyThatThrowsLeavesNoFile) {

@@ -98,16 +98,14 @@ std::string lines(std::string_view bytes, bool defaultLines, std::int32_t size =
   return linesOf(object, size);
 }
 
-TEST(Lines, OnlyDifferentLineEndBytesPair) {
+TEST(Lines, EndWithOneByteOrTwoDifferentOnes) {
   for (const bool defaultLines : {false, true}) {
     EXPECT_EQ(lines("a\n\nb\n", defaultLines), "a/0@2 /0@3 b/0@5 /10016@5 ");
     EXPECT_EQ(lines("a\r\nb\r", defaultLines), "a/0@3 b/0@5 /10016@5 ");
     EXPECT_EQ(lines("a\n\rb\n", defaultLines), "a/0@3 b/0@5 /10016@5 ");
     EXPECT_EQ(lines("a\r\r\n", defaultLines), "a/0@2 /0@4 /10016@4 ");
   }
-}
-
-TEST(Lines, WithoutAnEndOrRoomTheReadersDiffer) {
+  // The readers differ where a line has no end or no room.
   EXPECT_EQ(lines("ab\r\ncd", false), "ab/0@4 cd/10014@6 /10016@6 ");
   EXPECT_EQ(lines("abcd\r\ne", false, 3), "ab/10014@2 cd/0@6 e/10014@7 /10016@7 ");
   EXPECT_EQ(lines("abcd\r\ne", true, 3), "ab/10014@2 cd/10014@4 /0@6 e/0@7 /10016@7 ");

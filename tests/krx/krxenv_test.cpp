@@ -1,6 +1,4 @@
 // The envelope file, read and written.
-#include <gmock/gmock.h>
-
 #include "krx/Support.h"
 #include "krx/krxmaddr.h"
 
@@ -14,15 +12,8 @@ class Envelope : public Spool {
   Envelope() : m_message(m_office->newMessage()) {}
   // The envelope as which a message is stored, or "status N".
   std::string stored(GMA_Message& message) {
-    unsigned int status = 0;
-    message.storeMessage(status);
-    const std::string name = static_cast<KRX_Message&>(message).envelopeFile().c_str();
-    return status == 0 ? withLf(readFile(out() + name)) : "status " + std::to_string(status);
-  }
-  std::string rewritten(const std::string& envelope) {
-    put("M", PLAIN, envelope);
-    unsigned int status = 0;
-    return stored(*next(status));
+    const unsigned int status = store(message);
+    return status == 0 ? outEnvelope(baseName(message)) : "status " + std::to_string(status);
   }
   static std::string withoutId(const std::string& envelope) {
     return envelope.substr(envelope.find('\n') + 1);
@@ -60,20 +51,18 @@ TEST_F(Envelope, WhatIsNoEnvelopeIsRefused) {
 }
 
 TEST_F(Envelope, ARelayedAddressMarksTheMessageAndTheMailCannotChangeTheMark) {
-  for (const auto& [mark, recipient] : {std::pair("TRUE", "h!u@gw"), std::pair("none", "u@gw")}) {
-    const std::string forged = *mark == 'T' ? "FALSE" : "TRUE";
-    put("M", "SpoofWarning: " + forged + "\nspoofwarning: " + forged + "\n\nx\n",
-        std::string("Recipient: ") + recipient + "\n");
-    unsigned int status = 0;
-    const auto message = next(status);
+  for (const auto& [recipient, mark] : {std::pair("h!u@gw", "TRUE"), std::pair("u@gw", "none")}) {
+    const auto message = fetched("SpoofWarning: FALSE\nspoofwarning: no\n\nx\n",
+                                 std::string("Recipient: ") + recipient + "\n");
     const ATR_Attribute* found = message->attributes().find("SpoofWarning");
     EXPECT_EQ(found != nullptr ? found->getString() : SCL_String("none"), mark);
   }
 }
 
 TEST_F(Envelope, IsWrittenInItsFixedOrder) {
-  EXPECT_EQ(rewritten("Recipient: a@b\nX-Queue: 7\n more\nRecipient: Bob <c@d>\nReturn-path:\n"
-                      "Message-ID: <M@here>\n"),
+  EXPECT_EQ(stored(*fetched(PLAIN,
+                            "Recipient: a@b\nX-Queue: 7\n more\nRecipient: Bob <c@d>\n"
+                            "Return-path:\nMessage-ID: <M@here>\n")),
             "Message-ID: <M@here>\nX-Queue: 7\n more\nReturn-path: \nRecipient: a@b\n"
             "Recipient: Bob <c@d>\n");
 }

@@ -4,7 +4,6 @@
 #include <fstream>
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,38 +19,22 @@
 namespace krxtest {
 namespace {
 
-using std::chrono_literals::operator""s;
+namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char PLAIN[] = "Subject: x\n\nbody\n.\n";
 
-std::string nameOf(const GMA_Message& message) {
-  return static_cast<const KRX_Message&>(message).envelopeFile().c_str();
-}
-
 class Fetch : public Spool {
  protected:
   ~Fetch() override { plat::setClock(nullptr); }
 
-  // The name of the next message's envelope, or "none"; the pair is gone then.
+  // The base name of the next message's pair, which is gone then, or "none".
   std::string nextName() {
     unsigned int status = 0;
     const auto message = next(status);
     EXPECT_EQ(status, 0U);
-    return message ? nameOf(*message) : "none";
-  }
-  std::unique_ptr<GMA_Message> fetch(const std::string& name, const std::string& envelope = "") {
-    put(name, PLAIN, envelope);
-    unsigned int status = 0;
-    auto message = next(status);
-    EXPECT_EQ(status, 0U);
-    return message;
-  }
-  static unsigned int store(GMA_Message& message) {
-    unsigned int status = 0;
-    message.storeMessage(status);
-    return status;
+    return message ? baseName(*message) : "none";
   }
   static unsigned int save(GMA_Message& message) {
     unsigned int status = 0;
@@ -62,37 +45,32 @@ class Fetch : public Spool {
   void setMode(const std::string& name, mode_t mode) const {
     ASSERT_EQ(::chmod(native(in() + name).c_str(), mode), 0);
   }
-  // Makes waiting cost no time.
-  plat::ManualClock& stopClock() {
-    plat::setClock(&m_clock);
-    return m_clock;
+  static unsigned int modeOf(const std::string& path) {
+    struct stat found {};
+    EXPECT_EQ(::stat(native(path).c_str(), &found), 0);
+    return found.st_mode & 0777;
   }
+  std::string receiver() const { return in() + "QDXRECVR\\"; }
 
-  plat::ManualClock m_clock{{884000000, 5}};
+  plat::ManualClock m_clock{{884000000, 5}};  // with it, waiting costs no time
 };
 
 // The lock of a directory in another open file description.
-class ForeignLock {
- public:
-  explicit ForeignLock(std::string directory) {
-    directory.pop_back();
-    held = plat::LockDir(directory.c_str(), 100, &handle) != 0;
-  }
-  ~ForeignLock() {
-    const char flag = 0;
-    plat::UnlockDir(&flag, handle);
-  }
-  bool held;
+struct ForeignLock {
+  explicit ForeignLock(const std::string& directory)
+      : held(plat::LockDir(directory.c_str(), 100, &handle) != 0) {}
+  ~ForeignLock() { plat::UnlockDir("", handle); }
   long handle = -1;
+  bool held;
 };
 
 TEST_F(Fetch, APairIsReturnedAgainUntilItsMessageIsDestroyedOrTheFileIsMarked) {
-  const auto first = fetch("A");
+  const auto first = fetched(PLAIN);
   put("B", PLAIN);
-  EXPECT_EQ(nextName(), nameOf(*first));
+  EXPECT_EQ(nextName(), "M");
   unsigned int status = 0;
   const auto second = next(status);
-  EXPECT_EQ(nameOf(*second), "B.RCP");
+  EXPECT_EQ(baseName(*second), "B");
   setMode("B.RCP", 0444);
   EXPECT_EQ(nextName(), "none");
 }
@@ -110,54 +88,48 @@ TEST_F(Fetch, PairsThatArriveWhileTheSearchGoesOnAreFound) {
 }
 
 TEST_F(Fetch, WhatIsNoFreePairIsSkippedAndStays) {
-  for (const std::string& name : {std::string("RO"), std::string("LINK"), std::string("FIFO"),
-                                  std::string("ALONE"), std::string(".POINT"), std::string("a?b"),
-                                  std::string("a\\..\\x"), std::string(251, 'x')}) {
+  for (const std::string& name : std::vector<std::string>{
+           "RO", "LINK", "FIFO", "ALONE", ".POINT", "a?b", "a\\..\\x", std::string(251, 'x')}) {
     for (const char* extension : {".RCP", ".MSG"}) {
       std::ofstream(native(in()) + name + extension) << "Recipient: a@b\r\n";
     }
   }
   setMode("RO.RCP", 0444);
   for (const char* name : {"LINK.MSG", "FIFO.MSG", "ALONE.MSG"}) {
-    std::filesystem::remove(native(in() + name));
+    fs::remove(native(in() + name));
   }
-  std::filesystem::create_symlink(native(in() + "RO.MSG"), native(in() + "LINK.MSG"));
+  fs::create_symlink(native(in() + "RO.MSG"), native(in() + "LINK.MSG"));
   ASSERT_EQ(::mkfifo(native(in() + "FIFO.MSG").c_str(), 0600), 0);
-  std::filesystem::create_directory(native(in() + "DIR.RCP"));
+  fs::create_directory(native(in() + "DIR.RCP"));
   const std::vector<std::string> before = filesIn(in());
   EXPECT_EQ(nextName(), "none");
   put("GOOD", PLAIN);
-  EXPECT_EQ(nextName(), "GOOD.RCP");
-  EXPECT_EQ(filesIn(in()), before);
-}
-
-TEST_F(Fetch, APairThatItsWriterHoldsOpenIsLeftAlone) {
-  put("A", PLAIN);
-  const int writer = ::open(native(in() + "A.MSG").c_str(), O_WRONLY | O_CLOEXEC);
+  const int writer = ::open(native(in() + "GOOD.MSG").c_str(), O_WRONLY | O_CLOEXEC);
   EXPECT_EQ(nextName(), "none");
   ::close(writer);
-  EXPECT_EQ(nextName(), "A.RCP");
+  EXPECT_EQ(nextName(), "GOOD");
+  EXPECT_EQ(filesIn(in()), before);
 }
 
 TEST_F(Fetch, EitherLetterCaseOfTheExtensionMakesAPair) {
   for (const auto& [from, to] : {std::pair("A.RCP", "A.rcp"), std::pair("A.MSG", "A.msg")}) {
     put("A", PLAIN);
-    std::filesystem::rename(native(in() + from), native(in() + to));
-    EXPECT_NE(nextName(), "none");
+    fs::rename(native(in() + from), native(in() + to));
+    EXPECT_EQ(nextName(), "A");
     EXPECT_THAT(filesIn(in()), IsEmpty());
   }
 }
 
 TEST_F(Fetch, ALockedDirectoryIsWaitedForAndIsNoError) {
   put("A", PLAIN);
-  stopClock();
+  plat::setClock(&m_clock);
   {
     const ForeignLock lock(in());
     ASSERT_TRUE(lock.held);
     EXPECT_EQ(nextName(), "none");
     EXPECT_EQ(m_clock.monotonicMilliseconds(), 49 * 2000);
   }
-  EXPECT_EQ(nextName(), "A.RCP");
+  EXPECT_EQ(nextName(), "A");
 }
 
 TEST_F(Fetch, APairThatCannotBeLoadedComesWithItsStatusAndGoes) {
@@ -170,69 +142,58 @@ TEST_F(Fetch, APairThatCannotBeLoadedComesWithItsStatusAndGoes) {
 }
 
 TEST_F(Fetch, APairThatCannotBeRemovedIsNotFetchedAgain) {
-  auto message = fetch("A");
-  setMode("A.RCP", 0444);
-  setMode("A.MSG", 0444);
-  message.reset();
-  setMode("A.RCP", 0644);
-  setMode("A.MSG", 0644);
+  auto message = fetched(PLAIN);
+  for (const mode_t mode : {0444U, 0644U}) {
+    setMode("M.RCP", mode);
+    setMode("M.MSG", mode);
+    message.reset();
+  }
   EXPECT_EQ(takeLog().size(), 2U);
   EXPECT_EQ(nextName(), "none");
-  put("A", "Subject: another\n\nx\n");
-  const std::string another = native(in() + "A.RCP");
-  std::filesystem::last_write_time(another, std::filesystem::file_time_type::clock::now() + 1s);
-  EXPECT_EQ(nextName(), "A.RCP");
+  const std::string changed = native(in() + "M.RCP");
+  fs::last_write_time(changed, fs::last_write_time(changed) + std::chrono::seconds(1));
+  EXPECT_EQ(nextName(), "M");
 }
 
 TEST_F(Fetch, AMessageMayOutliveItsPostOffice) {
-  auto message = fetch("A");
+  auto message = fetched(PLAIN);
   m_office.reset();
   message.reset();
   EXPECT_THAT(filesIn(in()), IsEmpty());
 }
 
-class Save : public Fetch {
- protected:
-  std::string receiver() const { return in() + "QDXRECVR\\"; }
-};
-
-TEST_F(Save, AMessageThatIsStoredUnderAnotherNameStillKeepsAndRemovesItsOwnPair) {
-  auto message = fetch("A");
-  writeFile(out() + "A.MSG", "somebody else's");
+TEST_F(Fetch, AMessageStoredUnderAnotherNameStillKeepsAndRemovesItsOwnPair) {
+  auto message = fetched(PLAIN);
+  writeFile(out() + "M.MSG", "somebody else's");
   EXPECT_EQ(store(*message), 0U);
-  const std::string renamed = nameOf(*message);
+  const std::string renamed = baseName(*message) + ".MSG";
   writeFile(in() + renamed, "a stranger's");
   EXPECT_EQ(save(*message), 0U);
   EXPECT_EQ(save(*message), 454U);
   message.reset();
   EXPECT_THAT(filesIn(in()), ElementsAre(renamed, "QDXRECVR"));
-  EXPECT_THAT(filesIn(receiver()), ElementsAre("A.MSG", "A.RCP"));
-  EXPECT_EQ(withLf(readFile(receiver() + "A.MSG")), PLAIN);
-  EXPECT_EQ(readFile(out() + "A.MSG"), "somebody else's");
+  EXPECT_THAT(filesIn(receiver()), ElementsAre("M.MSG", "M.RCP"));
+  EXPECT_EQ(withLf(readFile(receiver() + "M.MSG")), PLAIN);
+  EXPECT_EQ(outMessage("M"), "somebody else's");
 }
 
-TEST_F(Save, AHalfCopyIsTakenBackAndWhatWasThereStays) {
-  const auto message = fetch("A");
-  std::filesystem::create_directory(native(in() + "QDXRECVR"));
-  writeFile(receiver() + "A.MSG", "earlier");
-  EXPECT_EQ(save(*message), 454U);
-  EXPECT_THAT(filesIn(receiver()), ElementsAre("A.MSG"));
-  EXPECT_EQ(readFile(receiver() + "A.MSG"), "earlier");
+TEST_F(Fetch, AHalfCopyIsTakenBackAndWhatWasThereStays) {
+  const auto message = fetched(PLAIN);
+  fs::create_directory(native(receiver()));
+  for (const char* name : {"M.MSG", "M.RCP"}) {
+    writeFile(receiver() + name, "earlier");
+    EXPECT_EQ(save(*message), 454U);
+    EXPECT_THAT(filesIn(receiver()), ElementsAre(name));
+    EXPECT_EQ(readFile(receiver() + name), "earlier");
+    fs::remove(native(receiver() + name));
+  }
 }
 
-TEST_F(Save, ALinkedReceiverDirectoryIsRefused) {
-  const auto message = fetch("A");
-  std::filesystem::create_directory_symlink(native(out()), native(in() + "QDXRECVR"));
+TEST_F(Fetch, ALinkedReceiverDirectoryIsRefused) {
+  const auto message = fetched(PLAIN);
+  fs::create_directory_symlink(native(out()), native(in() + "QDXRECVR"));
   EXPECT_EQ(save(*message), 454U);
   EXPECT_THAT(filesIn(out()), IsEmpty());
-}
-
-TEST_F(Save, NeedsAFetchedPair) {
-  const std::unique_ptr<GMA_Message> message(m_office->newMessage());
-  unsigned int status = 5;
-  message->save(nullptr, status);
-  EXPECT_EQ(status, 5U);
-  EXPECT_THROW(save(*message), scl_exception_base*);
 }
 
 class Store : public Fetch {
@@ -247,7 +208,7 @@ class Store : public Fetch {
   std::string storedAs(const std::string& value) {
     const auto message = identified(value);
     EXPECT_EQ(store(*message), 0U) << value;
-    return nameOf(*message).substr(0, nameOf(*message).size() - 4);
+    return baseName(*message);
   }
 };
 
@@ -307,7 +268,7 @@ TEST_F(Store, NoBaseNameLeadsOutOfTheSpool) {
 }
 
 TEST_F(Store, NamesAreDrawnFromTheClockUntilOneIsFreeOrTheDrawsAreUsedUp) {
-  stopClock();
+  plat::setClock(&m_clock);
   EXPECT_EQ(storedAs(""), "C0884000000005");
   m_clock.set({884000000, 5});
   EXPECT_EQ(storedAs(""), "C0884000000006");
@@ -322,35 +283,31 @@ TEST_F(Store, NamesAreDrawnFromTheClockUntilOneIsFreeOrTheDrawsAreUsedUp) {
 }
 
 TEST_F(Store, AFetchedPairKeepsItsNamesAndGainsItsIdentifyingHeader) {
-  EXPECT_EQ(store(*fetch("KEEP", "Recipient: a@b\n")), 0U);
-  EXPECT_EQ(outEnvelope("KEEP"), "Message-ID: <KEEP@here>\nReturn-path: \nRecipient: a@b\n");
+  EXPECT_EQ(store(*fetched(PLAIN, "Recipient: a@b\n")), 0U);
+  EXPECT_EQ(outEnvelope("M"), "Message-ID: <M@here>\nReturn-path: \nRecipient: a@b\n");
 }
 
 TEST_F(Store, WhatARivalMakesMeanwhileIsNeitherUsedNorRemoved) {
   const auto renamed = identified("<ABC@x>");
   renamed->setBody(new Rival(out() + "ABC.MSG", Rival::BEFORE_CREATION));
   EXPECT_EQ(store(*renamed), 0U);
-  EXPECT_NE(nameOf(*renamed), "ABC.RCP");
-  EXPECT_EQ(readFile(out() + "ABC.MSG"), "theirs");
+  EXPECT_NE(baseName(*renamed), "ABC");
+  EXPECT_EQ(outMessage("ABC"), "theirs");
   const auto refused = identified("<DEF@x>");
   refused->setBody(new Rival(out() + "DEF.RCP", Rival::AFTER_CREATION));
   EXPECT_EQ(store(*refused), 11972U);
-  EXPECT_EQ(readFile(out() + "DEF.RCP"), "theirs");
-  EXPECT_FALSE(fileExists(out() + "DEF.MSG"));
+  EXPECT_EQ(outEnvelope("DEF"), "theirs");
+  EXPECT_FALSE(fs::exists(native(out() + "DEF.MSG")));
 }
 
 TEST_F(Store, AFailureLeavesNoMessageFile) {
   const auto message = identified("<A@x>");
-  stopClock();
+  plat::setClock(&m_clock);
   {
     const ForeignLock lock(out());
     EXPECT_EQ(store(*message), 11976U);
   }
-  auto* body = new DAC_MemoryDataAccess;
-  unsigned int status = 0;
-  body->fill(40000, 'x', status);
-  body->writeLine(0, "", status);
-  message->setBody(body);
+  message->setBody(newContent(std::string(40000, 'x') + "\r\n"));
   EXPECT_EQ(store(*message), 10014U);
   message->clearContent();
   message->addAddress(KRX_Maddr(130, "a type without a field", "x"));
@@ -377,22 +334,20 @@ TEST_F(Store, WithoutRoomForAllPartsNothingIsWritten) {
   EXPECT_THAT(filesIn(out()), IsEmpty());
 }
 
-TEST_F(Store, DestroyingWhatWasNeverFetchedDeletesNothing) {
+TEST_F(Store, WhatWasNeverFetchedIsNeitherSavedNorRemoved) {
   put("A", PLAIN);
   EXPECT_EQ(storedAs("<A@x>"), "A");
+  EXPECT_THROW(save(*identified("<A@x>")), scl_exception_base*);
   EXPECT_THAT(filesIn(in()), ElementsAre("A.MSG", "A.RCP"));
 }
 
 TEST_F(Store, FilesOfTheSpoolAreForOwnerAndGroup) {
   const mode_t mask = ::umask(0022);
   storedAs("<A@x>");
-  save(*fetch("B"));
+  save(*fetched(PLAIN));
   ::umask(mask);
-  struct stat made {};
-  ASSERT_EQ(::stat(native(out() + "A.MSG").c_str(), &made), 0);
-  EXPECT_EQ(made.st_mode & 0777, 0640U);
-  ASSERT_EQ(::stat(native(in() + "QDXRECVR").c_str(), &made), 0);
-  EXPECT_EQ(made.st_mode & 0777, 0750U);
+  EXPECT_EQ(modeOf(out() + "A.MSG"), 0640U);
+  EXPECT_EQ(modeOf(receiver()), 0750U);
 }
 
 }  // namespace

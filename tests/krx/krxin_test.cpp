@@ -1,6 +1,4 @@
 // The message file on its way in.
-#include <gmock/gmock.h>
-
 #include "dac/DACBASDA.h"
 #include "dv/DVDATE.h"
 #include "krx/Support.h"
@@ -115,19 +113,17 @@ TEST_F(Inbound, LongLinesArriveWholeAndOnlyTheirStartIsTested) {
 }
 
 TEST_F(Inbound, EveryLineEndEndsALine) {
-  put("M", "", "");
-  writeFile(in() + "M.MSG", "A: b\r\rone\rtwo\n\rthree\r\n.\r");
-  unsigned int status = 0;
-  EXPECT_EQ(withLf(content(*next(status)->getBody())), "one\ntwo\nthree\n");
+  EXPECT_EQ(withLf(content(*fetched("A: b\r\rone\rtwo\n\rthree\n.\r")->getBody())),
+            "one\ntwo\nthree\n");
 }
 
 TEST_F(Inbound, PartFieldsBecomeAttributesButNotWhatWeKnowBetter) {
-  put("M", "SENTDATE: forged\nDate: Tue, 3 Feb 98\n" + std::string(MULTIPART) +
-               "--b\nContent-Type: text/plain\nContent-Type: x\nAttachmentSize: huge\nBadData: x\n"
-               "ContainerName: y\nMailSystemType: z\nX-Own:  v \n\nabc\n--b--\n");
-  unsigned int status = 0;
-  const auto message = next(status);
+  const auto message =
+      fetched("SENTDATE: forged\nDate: Tue, 3 Feb 98\n" + std::string(MULTIPART) +
+              "--b\nContent-Type: text/plain\nContent-Type: x\nAttachmentSize: huge\nBadData: x\n"
+              "ContainerName: y\nMailSystemType: z\nX-Own:  v \n\nabc\n--b--\n");
   DAC_BaseDataAccess& body = *message->getBody();
+  unsigned int status = 0;
   std::uint32_t size = 0;
   body.getIntegerAttribute("AttachmentSize", size, status);
   EXPECT_EQ(size, 5U);
@@ -149,9 +145,7 @@ TEST_F(Inbound, TooManyPreambleLinesAreCutAndTold) {
   for (int i = 0; i < 66000; ++i) {
     parts += "x\n";
   }
-  put("M", MULTIPART + parts + "--b\n\ntext\n--b--\n");
-  unsigned int status = 0;
-  const auto message = next(status);
+  const auto message = fetched(MULTIPART + parts + "--b\n\ntext\n--b--\n");
   EXPECT_EQ(message->headers().findByType(gma::PREAMBLE)->value().count(), 65535);
   EXPECT_EQ(content(*message->getBody()), "text\r\n");
   EXPECT_EQ(takeLogText(), "11:1 Too many preamble lines, the rest is left out.\n");
@@ -173,9 +167,7 @@ TEST_F(Inbound, TheDateIsReadFromItsField) {
       {"Date:", ""},
       {"Subject: x", ""}};
   for (const auto& [fields, expected] : cases) {
-    put("M", std::string(fields) + "\n\nx\n");
-    unsigned int status = 0;
-    const auto message = next(status);
+    const auto message = fetched(std::string(fields) + "\n\nx\n");
     DV_Date date(1900, 1, 1);
     const bool found = message->getDate(date);
     EXPECT_EQ(found ? std::string(date.digits(), 8) : "", expected) << fields;

@@ -1,6 +1,4 @@
 // The message file on its way out.
-#include <gmock/gmock.h>
-
 #include "dac/DACMEMDA.h"
 #include "dv/DVDATTIM.h"
 #include "krx/Support.h"
@@ -21,12 +19,6 @@ class Outbound : public Spool {
   Outbound() : m_message(m_office->newMessage()) { m_message->setInform(false); }
   ~Outbound() override { plat::setClock(nullptr); }
 
-  static DAC_BaseDataAccess* data(const std::string& text) {
-    auto* made = new DAC_MemoryDataAccess;
-    unsigned int status = 0;
-    made->write(static_cast<std::int32_t>(text.size()), text.data(), status);
-    return made;
-  }
   void add(std::uint32_t type, const std::string& user) {
     m_message->addAddress(KRX_Maddr(type, user.c_str(), "x"));
   }
@@ -54,17 +46,10 @@ class Outbound : public Spool {
     }
     return status == 0 ? text : "status " + std::to_string(status);
   }
-  // A loaded mail, and what it is written as once an item is added.
-  std::unique_ptr<GMA_Message> loaded(const std::string& mail) {
-    put("M", mail);
-    unsigned int status = 0;
-    auto message = next(status);
-    EXPECT_EQ(status, 0U) << takeLogText();
-    return message;
-  }
+  // What a loaded mail is written as once an item is added.
   std::string writtenWithItem(const std::string& mail) {
-    const auto message = loaded(mail);
-    message->addItem(data("more\r\n"), false);
+    const auto message = fetched(mail);
+    message->addItem(newContent("more\r\n"), false);
     return write(*message);
   }
 
@@ -120,19 +105,19 @@ TEST_F(Outbound, ContentIsStuffedAndItsLastLineEnded) {
         {longest + "xx\r\nend\r\n", "status 10014"},
         {longest + "\r\n" + longest + "x", "\n" + longest + "\n" + longest + "x\n.\n"}}) {
     m_message->clearContent();
-    m_message->setBody(data(text));
+    m_message->setBody(newContent(text));
     EXPECT_EQ(written(), expected);
   }
 }
 
 TEST_F(Outbound, SeveralPartsBecomeAGeneratedMultipart) {
-  m_message->setBody(data("text\r\n"));
-  DAC_BaseDataAccess* titled = data("TWFu\r\n");
+  m_message->setBody(newContent("text\r\n"));
+  DAC_BaseDataAccess* titled = newContent("TWFu\r\n");
   titled->setStringAttribute("ContentTitle", "a \"b\"\r\n.txt");
   titled->setStringAttribute("Content-Transfer-Encoding", "base64");
   titled->setStringAttribute("Content-ID", "<1>");
   m_message->addItem(titled, false);
-  m_message->addItem(data("more\r\n"), false);
+  m_message->addItem(newContent("more\r\n"), false);
   EXPECT_EQ(written(),
             "MIME-Version: 1.0\n" + std::string(GENERATED) +
                 "--TOKEN\nContent-Type: text/plain\n\ntext\n"
@@ -156,7 +141,7 @@ TEST_F(Outbound, ATypeWithoutMimeVersionGoesOntoItsPartWhereItCanBeRead) {
        {std::pair<std::string, std::string>("multipart/x; boundary=b", "multipart/x; boundary=b"),
         {"no type", "text/plain"}}) {
     const std::string mail = "From: f\nDate: d\nContent-Type: " + type + "\n\n--b\n\nx\n--b--\n.\n";
-    EXPECT_EQ(write(*loaded(mail)), mail);
+    EXPECT_EQ(write(*fetched(mail)), mail);
     EXPECT_EQ(writtenWithItem(mail),
               "From: f\nDate: d\nMIME-Version: 1.0\n" + std::string(GENERATED) +
                   "--TOKEN\nContent-Type: " + shown + "\n\n--b\n\nx\n--b--\n" + ADDED);
@@ -202,8 +187,8 @@ TEST_F(Outbound, TheBoundaryIsNoLineOfTheContent) {
   for (unsigned long i = 1; i <= 50; ++i) {
     text += "--" + stem + std::to_string(counter + i) + (i % 2 ? "--" : "") + "\r\n";
   }
-  m_message->setBody(data(text));
-  m_message->addItem(data("x\r\n"), false);
+  m_message->setBody(newContent(text));
+  m_message->addItem(newContent("x\r\n"), false);
   DAC_MemoryDataAccess stream;
   unsigned int status = 0;
   static_cast<KRX_Message&>(*m_message).writeMessage(stream, status);

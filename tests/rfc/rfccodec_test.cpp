@@ -72,9 +72,7 @@ TEST(QuotedPrintable, EscapesAreDecodedAndTheRestStays) {
   EXPECT_EQ(quotedPrintable("abc=\r\ndef=\rXg"), "abcdefg");
   EXPECT_EQ(quotedPrintable("a=XY a=3X =\nb"), "a=XY a=3X =\nb");
   EXPECT_EQ(quotedPrintable("==41=4=41"), "=A=4A");
-}
-
-TEST(QuotedPrintable, ARangeThatEndsInAnEscapeIsNoted) {
+  // A range that ends inside an escape is noted.
   for (const char* open : {"abc=4", "abc=", "abc=\r"}) {
     EXPECT_EQ(quotedPrintable(open), std::string("abc") + OPEN_ESCAPE);
   }

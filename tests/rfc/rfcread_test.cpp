@@ -50,16 +50,13 @@ TEST(ReadField, EndsAtTheNextFieldABlankLineOrTheEnd) {
   EXPECT_EQ(field(""), "0 :  rest ");
 }
 
-TEST(ReadField, LinesThatAreNoFieldBecomeABadOne) {
+TEST(ReadField, LinesThatAreNoFieldBecomeABadOneAndMoreThanTenText) {
   EXPECT_EQ(field(" first\nA:1\n"), "1 Bad-Header:  first| rest A:1\n");
   EXPECT_EQ(field("To: a\nno colon\nA:1\n"), "1 Bad-Header: To: a|no colon| rest A:1\n");
   EXPECT_EQ(field("a b: c\nno colon\n"), "1 Bad-Header: a b: c|no colon| rest ");
   EXPECT_EQ(field(":x\n"), "1 Bad-Header: :x| rest ");
   EXPECT_EQ(field("A:1\na b: c\n"), "1 A: 1| rest a b: c\n");
   EXPECT_EQ(field("A:1\nmore than sixteen: c\n"), "1 Bad-Header: A:1|more than sixteen: c| rest ");
-}
-
-TEST(ReadField, MoreThanTenBadLinesAreText) {
   EXPECT_EQ(field("A:1\n" + repeated("bad\n", 9)).substr(0, 14), "1 Bad-Header: ");
   const std::string text = "A:1\n" + repeated(" good\n", 20) + "bad\n";
   EXPECT_EQ(field(text), "0 :  rest " + text);
@@ -146,13 +143,10 @@ TEST(SkipBlankLine, OnlyABlankLineIsConsumed) {
   EXPECT_EQ(rfc_skip_blank_line(*inMemory("")), 0);
 }
 
-TEST(Unfold, TheFoldingCharacterIsThereTwice) {
+TEST(Unfold, TheFoldingCharacterIsThereTwiceButAQuotedFoldStaysALineBreak) {
   EXPECT_STREQ(rfc_unfold(table({" a", "\tb"})).c_str(), " a\t\tb");
   EXPECT_STREQ(rfc_unfold(table({"", " a", "", " b"})).c_str(), " a  b");
   EXPECT_STREQ(rfc_unfold(table({})).c_str(), "");
-}
-
-TEST(Unfold, AQuotedFoldStaysALineBreak) {
   EXPECT_STREQ(rfc_unfold(table({"\"a\\", " b\""})).c_str(), "\"a\r\nb\"");
   EXPECT_STREQ(rfc_unfold(table({"\"a\" \\", " b"})).c_str(), "\"a\" \\  b");
   EXPECT_STREQ(rfc_unfold(table({"\"a\\\"\\", " b"})).c_str(), "\"a\\\"\r\nb");

@@ -71,9 +71,7 @@ TEST(Multipart, PartsEndBeforeTheLineBreakOfTheBoundary) {
 TEST(Multipart, PreambleAndEpilogueBelongToNoPart) {
   EXPECT_EQ(partsOf("pre\n--simple\na\n--simple--\nepi\n--simple\nb\n--simple--\n"), "[a]");
   EXPECT_EQ(partsOf("pre\n--simple--\n--simple\na\n"), "");
-}
-
-TEST(Multipart, WithoutClosingBoundaryTheLastPartRunsToTheEnd) {
+  // Without a closing boundary line the last part runs to the end.
   EXPECT_EQ(partsOf("--simple\na\n--simple\nb\n") + partsOf("--simple\na"), "[a][b\n][a]");
   EXPECT_EQ(partsOf("--simple\n") + partsOf("--simple"), "[][]");
 }

@@ -1,9 +1,9 @@
 // A foreign host: loads the connector's module with dlopen, creates, configures, opens, fetches,
 // saves, stores, closes, destroys. Arguments: the profile; the post office's name.
-#include <dlfcn.h>
-
 #include <cstdio>
 #include <memory>
+
+#include <dlfcn.h>
 
 #include "gma/GMAMSG.h"
 #include "gma/GMAPO.h"
@@ -58,8 +58,8 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s\n", argc == 3 ? dlerror() : "usage: foreign PROFILE NAME");
     return 2;
   }
-  const auto factory = reinterpret_cast<KRX_GetMailAccessObjectFunction>(
-      dlsym(module, KRX_FACTORY_NAME));
+  const auto factory =
+      reinterpret_cast<KRX_GetMailAccessObjectFunction>(dlsym(module, KRX_FACTORY_NAME));
   const auto other =
       reinterpret_cast<KRX_GetMailAccessObjectFunction>(dlsym(module, "GetMailAccessObject"));
   if (factory == nullptr || factory != other) {
