@@ -123,13 +123,12 @@ void KRX_writeBadHeader(DAC_BaseDataAccess& stream, const SCL_StringTable& lines
   }
 }
 
-bool KRX_isHeaderBlock(DAC_BaseDataAccess& block, unsigned int& status) {
+bool KRX_isHeaderBlock(DAC_BaseDataAccess& block, GMA_MhdrTable& found, unsigned int& status) {
   const std::int32_t end = block.size(status);
   block.setPosition(end, status);
   block.writeLine(0, "", status);
   block.setPosition(0, status);
-  GMA_MhdrTable headers;
-  rfc_read_headers(block, headers, status);
+  rfc_read_headers(block, found, status);
   const bool whole = block.getPosition() == end;
   block.setSize(end, status);
   return whole && status == 0;

@@ -4,6 +4,7 @@
 #include "scl/SCLSTRNG.h"
 
 class DAC_BaseDataAccess;
+class GMA_MhdrTable;
 class SCL_StringTable;
 
 // What ends the reading of an epilogue beside the end of the data is a line of this boundary.
@@ -21,9 +22,9 @@ void KRX_writeField(DAC_BaseDataAccess& stream, const SCL_StringRef& name,
 void KRX_writeBadHeader(DAC_BaseDataAccess& stream, const SCL_StringTable& lines, bool alone,
                         unsigned int& status);
 
-// Whether a reader takes all of `block`, lines without the blank one that ends them, for headers.
-// A blank line is appended and taken off again.
-bool KRX_isHeaderBlock(DAC_BaseDataAccess& block, unsigned int& status);
+// Whether a reader takes all of `block`, lines without the blank one that ends them, for headers:
+// those that it finds. A blank line is appended and taken off again.
+bool KRX_isHeaderBlock(DAC_BaseDataAccess& block, GMA_MhdrTable& found, unsigned int& status);
 
 // The lines before the first boundary or after the last, as they stand; a line "." becomes "..",
 // and one that would be taken for a line of `boundary` gets a blank in front.

@@ -107,6 +107,7 @@ class KRX_Message : public GMA_Message, public GMA_FilePair {
   void writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout, unsigned int& status);
   void writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout, bool bare,
                         unsigned int& status);
+  bool keepsStructure(const GMA_MhdrTable& found, const Layout& layout) const;
   void writeMissingFields(DAC_BaseDataAccess& stream, const PresentFields& present,
                           unsigned int& status);
   void writeAddressLines(DAC_BaseDataAccess& stream, std::uint32_t mask, unsigned int& status);

@@ -110,7 +110,8 @@ void KRX_Message::writeMessage(DAC_BaseDataAccess& stream, unsigned int& status)
   writeLine(stream, ".", status);
 }
 
-// Malformed lines stand bare, unless the next reader would then take a part of the block for text.
+// Malformed lines stand bare, unless the next reader would then take a part of the block for text,
+// or read the content by other fields.
 void KRX_Message::writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout,
                                    unsigned int& status) {
   if (m_headers.findByType(gma::BAD_FORMAT) == nullptr) {
@@ -119,7 +120,8 @@ void KRX_Message::writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& lay
   }
   DAC_MemoryDataAccess bare;
   writeHeaderBlock(bare, layout, true, status);
-  if (KRX_isHeaderBlock(bare, status)) {
+  GMA_MhdrTable found;
+  if (KRX_isHeaderBlock(bare, found, status) && keepsStructure(found, layout)) {
     bare.copyTo(&stream, 0, status);
   } else {
     writeHeaderBlock(stream, layout, false, status);

@@ -156,6 +156,18 @@ KRX_Message::Layout KRX_Message::planLayout() {
   return layout;
 }
 
+// Whether a header block that is read as `found` still has the fields by which content is read.
+bool KRX_Message::keepsStructure(const GMA_MhdrTable& found, const Layout& layout) const {
+  for (const std::uint32_t type :
+       {gma::MIME_VERSION, gma::CONTENT_TYPE, gma::CONTENT_TRANSFER_ENCODING}) {
+    if (!layout.leavesOut(type) &&
+        trimmedValue(m_headers.findByType(type)) != trimmedValue(found.findByType(type))) {
+      return false;
+    }
+  }
+  return true;
+}
+
 // A token that no line of the content could be taken for; one pass over the content.
 SCL_String KRX_Message::drawBoundary() {
   std::set<std::string> lines;

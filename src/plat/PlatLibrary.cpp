@@ -57,7 +57,7 @@ std::string findLibrary(std::string_view name) {
     return toNative(dialUp);
   }
   const std::string file = libraryFile(toNative(name));
-  if (file.find('/') != std::string::npos) {
+  if (file.empty() || file.find('/') != std::string::npos) {
     return file;
   }
   for (const std::string& directory : moduleDirectories()) {

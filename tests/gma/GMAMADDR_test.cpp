@@ -73,13 +73,6 @@ TEST(Address, PartsWithAtOrBlankAreComposedInQuotes) {
   EXPECT_EQ(std::string(text), "@host");
 }
 
-TEST(Address, AnAmuAddressIsAskedFromEitherSide) {
-  const Domain amu(gma::AMUADDR, "any", "example");
-  const GMA_Maddr joe(gma::TOADDR, "joe", "example");
-  EXPECT_TRUE(joe == amu);
-  EXPECT_TRUE(amu == joe);
-}
-
 TEST(AddressTypes, OnlyNamedTypesAreReadAndWritten) {
   for (const std::uint32_t type : {0U, 1U, 2U, 4U, 8U, 18U, 20U, 24U, 34U, 36U, 40U, 66U, 128U}) {
     EXPECT_EQ(readType(gma::addressTypeName(type)), type);

@@ -141,12 +141,3 @@ TEST_F(PostOfficeTest, AMarkerThatCannotBeTestedLeavesItsCodeAndDoesNotCountAsDo
   EXPECT_FALSE(postOffice.isOpen());
   EXPECT_EQ(gmatest::logText(), "");
 }
-
-TEST_F(PostOfficeTest, DumpsItsNameAndItsHeaderMap) {
-  postOffice.headerMap().addMapping("Subject", gma::SUBJECT);
-  EXPECT_EQ(gmatest::dumpOf(postOffice),
-            "Dump \"it\" which is a \"GMA_PostOffice\" at @ { m_name = \"Main\"; "
-            "Dump \"m_hdrmap\" which is a \"GMA_HdrMap\" at @ { m_num_map = 1; "
-            "Dump \"m_map[0]\" which is a \"GMA_HdrMap::Mapping\" at @ { m_name = \"Subject\"; "
-            "m_type = SUBJECT; }; }; }; ");
-}

@@ -113,8 +113,10 @@ TEST_F(Inbound, LongLinesArriveWholeAndOnlyTheirStartIsTested) {
 }
 
 TEST_F(Inbound, EveryLineEndEndsALine) {
-  EXPECT_EQ(withLf(content(*fetched("A: b\r\rone\rtwo\n\rthree\n.\r")->getBody())),
-            "one\ntwo\nthree\n");
+  put("M", "");
+  writeFile(in() + "M.MSG", "A: b\r\rone\rtwo\n\rthree\r\n.\r");
+  unsigned int status = 0;
+  EXPECT_EQ(withLf(content(*next(status)->getBody())), "one\ntwo\nthree\n");
 }
 
 TEST_F(Inbound, PartFieldsBecomeAttributesButNotWhatWeKnowBetter) {

@@ -159,7 +159,9 @@ TEST_F(Outbound, WhatWasLoadedComesOutAsItWentIn) {
             "From: f\nDate: d\nMIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=b\n\n"
             "pre\n.x\n..\n--b\nContent-Type: text/plain\nContent-ID: <1>\n\n..stuffed\n...\n--b\n"
             "Content-Type: multipart/x; boundary=i\n\n--i\n\n..\n--i--\n--b--\npost\n..\n.\n"),
-        std::string("From: f\n more\nDate: d\nX-A: b\nno field\n.x\nTo: a,\n\tb\n\n.\n")}) {
+        std::string("From: f\n more\nDate: d\nX-A: b\nno field\n.x\nTo: a,\n\tb\n\n.\n"),
+        std::string("From: f\nDate: d\nMIME-Version: 1.0\nContent-Type: text/html\n"
+                    "Bad-Header:named so\n\nx\n.\n")}) {
     EXPECT_EQ(roundTrip(mail), mail);
   }
 }

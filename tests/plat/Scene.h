@@ -29,7 +29,7 @@ namespace scene {
 // A directory that goes with the test; readable for everybody, whatever the umask.
 class Directory : public testing::Test {
  protected:
-  Directory() : m_path(testing::TempDir() + "/platXXXXXX") {
+  Directory() : m_path(testing::TempDir() + "platXXXXXX") {
     ::mkdtemp(m_path.data());
     std::filesystem::permissions(m_path, std::filesystem::perms(0755));
   }
