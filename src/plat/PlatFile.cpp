@@ -71,10 +71,17 @@ int openEither(std::string& native, const OpenMode& mode) {
   return second;
 }
 
+// Can a new file of this name do without it until it is committed? A name that is taken, or that
+// the file system cannot have, has to be refused now, as for any other file.
+bool canBeNameless(const std::string& native) {
+  return !native.empty() && ::access("/proc/self/fd", X_OK) == 0 &&
+         ::faccessat(AT_FDCWD, native.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) < 0;
+}
+
 // A file without a name in the directory of `native`; or -1 where there are none, and then the file
 // is to be opened as any other.
 int openNameless(const std::string& native, const OpenMode& mode) {
-  if (!mode.lateName || ::access("/proc/self/fd", X_OK) < 0) {
+  if (!mode.lateName || !canBeNameless(native)) {
     return -1;
   }
   const std::size_t slash = native.rfind('/');

@@ -34,11 +34,30 @@ TEST_F(PlatFile, TransfersLandAtTheirPosition) {
   std::size_t done = 0;
   EXPECT_EQ(file.readAt(1, buffer, sizeof buffer, done), 0);
   EXPECT_EQ(std::string(buffer, done), "bcdef");
-  EXPECT_EQ(file.setSize(4) | file.close() | file.close(), 0) << "a second close does nothing";
+  EXPECT_TRUE(file.setSize(4) == 0 && file.close() == 0 && file.close() == 0);
   creating.append = true;
   ASSERT_EQ(file.open(at("x"), creating), 0);
   EXPECT_EQ(file.writeAt(0, "e", 1), 0);
   EXPECT_EQ(content("x"), "abcde") << "at the end, whatever the position";
+}
+
+TEST_F(PlatFile, LateNameIsThereWithTheWholeFileOrNever) {
+  creating.exclusive = creating.lateName = true;
+  const auto writes = [&] {
+    EXPECT_EQ(outcome(at("x"), creating), "open x");
+    EXPECT_TRUE(std::filesystem::is_empty(path())) << "closed before it was committed";
+    File file;
+    EXPECT_EQ(file.open(at("x"), creating), 0);
+    EXPECT_TRUE(file.writeAt(0, "text", 4) == 0 && file.commit() == 0 && content("x") == "text");
+    EXPECT_EQ(outcome(at("x"), creating), "EEXIST");
+    std::filesystem::remove(at("x"));
+  };
+  scene::elsewhere([&] {
+    scene::refuse(SYS_openat, EOPNOTSUPP, 2, O_TMPFILE | O_RDWR | O_CLOEXEC);
+    writes();
+  });
+  writes();
+  EXPECT_EQ(outcome("Q:\\x", creating), "ENOENT");
 }
 
 // Whatever stands in a spool under a mail's name, opening it comes back at once.
