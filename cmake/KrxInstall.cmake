@@ -11,11 +11,12 @@ install(FILES src/krx/krxapi.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/krxmail/krx)
 
 install(TARGETS krxmail EXPORT KrxMailTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS KRXWNT LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/krxmail)
+# Beside the library, where it looks for what it loads by name.
+install(TARGETS KRXWNT LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS krxhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/KrxMail)
-set(KRX_MODULE_DIRECTORY ${CMAKE_INSTALL_LIBDIR}/krxmail)
+set(KRX_MODULE_DIRECTORY ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT KrxMailTargets NAMESPACE KrxMail:: DESTINATION ${package_directory})
 configure_package_config_file(cmake/KrxMailConfig.cmake.in KrxMailConfig.cmake
   INSTALL_DESTINATION ${package_directory} PATH_VARS KRX_MODULE_DIRECTORY)

@@ -15,6 +15,9 @@ void* operator new(std::size_t size) {
   void* const memory = std::exchange(memoryIsOut, false) ? nullptr : std::malloc(size);
   return memory != nullptr ? memory : throw std::bad_alloc();
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return std::malloc(size);
+}
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
