@@ -3,14 +3,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <stdexcept>
+#include <system_error>
 
 #include "dac/DACFILDA.h"
-#include "dv/DVPATH.h"
-#include "fl/FLSEARCH.h"
-#include "fl/FLSTATUS.h"
 #include "gen/GENCATCH.h"
 #include "log/LOGGLB.h"
+#include "plat/PlatSearch.h"
 
 namespace bench {
 namespace {
@@ -66,19 +64,20 @@ Loader::Loader(bool decode) : m_decode(decode) {
 
 std::vector<KRX_PairNames> Loader::findPairs(const std::string& directory) {
   std::vector<KRX_PairNames> pairs;
-  FL_Search search;
-  search.startSearch(std::string(directory).append("/*.RCP").c_str(), 0);
-  char path[dv::PATH_SIZE];
-  unsigned int status = 0;
-  while ((status = search.nextMatch(sizeof path, path)) == 0) {
-    const std::string envelope = path;
-    const std::size_t name = envelope.find_last_of("/\\") + 1;
-    std::string message = envelope.substr(name, envelope.size() - name - 4);
-    message.append(SCL_isLower(envelope.back()) ? ".msg" : ".MSG");
-    pairs.push_back({envelope.c_str() + name, message.c_str()});
+  plat::DirectorySearch search;
+  std::string name;
+  bool maybeDirectory = false;
+  int error = search.open(directory);
+  while (error == 0 && (error = search.next(name, maybeDirectory)) == 0 && !name.empty()) {
+    if (name.size() > 4 &&
+        SCL_equalNoCase(std::string_view(name).substr(name.size() - 4), ".RCP")) {
+      const bool lower = SCL_isLower(name.back());
+      const std::string message = name.substr(0, name.size() - 4).append(lower ? ".msg" : ".MSG");
+      pairs.push_back({name.c_str(), message.c_str()});
+    }
   }
-  if (!fl::isSearchEnd(status)) {
-    throw std::runtime_error(std::string(directory).append(": cannot be searched"));
+  if (error != 0) {
+    throw std::system_error(error, std::generic_category(), directory);
   }
   return pairs;
 }

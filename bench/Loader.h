@@ -25,7 +25,7 @@ class Loader {
   // for its decoded child.
   explicit Loader(bool decode = true);
 
-  // The envelope files of the directory, in its order; throws std::runtime_error.
+  // The envelope files of the directory, in its order; throws std::system_error.
   static std::vector<KRX_PairNames> findPairs(const std::string& directory);
   // A message with envelope and content. A pair that cannot be loaded gives a message all the same,
   // as it does to a host; the program's user is told on standard error.

@@ -13,10 +13,11 @@ function line(x1, y1, x2, y2, colour, more) {
 function plot_x(size) { return LEFT + (log10(size) - low_x) / (high_x - low_x) * PLOT_WIDTH }
 function plot_y(time) { return TOP + PLOT_HEIGHT - (log10(time) - low_y) / (high_y - low_y) * PLOT_HEIGHT }
 
-function draw_axes(   decade) {
-  for (decade = ceiling(low_x); decade <= high_x; ++decade) {
-    line(plot_x(10 ^ decade), TOP, plot_x(10 ^ decade), TOP + PLOT_HEIGHT, "#ddd", "")
-    text(plot_x(10 ^ decade), TOP + PLOT_HEIGHT + 16, "middle", 11, sprintf("%d", 10 ^ decade))
+function draw_axes(   decade, i, n, sizes) {
+  n = split("6000 15000 30000 60000 100000", sizes, " ")
+  for (i = 1; i <= n; ++i) {
+    line(plot_x(sizes[i]), TOP, plot_x(sizes[i]), TOP + PLOT_HEIGHT, "#ddd", "")
+    text(plot_x(sizes[i]), TOP + PLOT_HEIGHT + 16, "middle", 11, sizes[i])
   }
   for (decade = low_y; decade <= high_y; ++decade) {
     line(LEFT, plot_y(10 ^ decade), LEFT + PLOT_WIDTH, plot_y(10 ^ decade), "#ddd", "")
