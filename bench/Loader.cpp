@@ -8,6 +8,7 @@
 #include "dac/DACFILDA.h"
 #include "gen/GENCATCH.h"
 #include "log/LOGGLB.h"
+#include "plat/PlatMemory.h"
 #include "plat/PlatSearch.h"
 
 namespace bench {
@@ -56,6 +57,7 @@ std::uint64_t sizeOf(DAC_BaseDataAccess& data) {
 }  // namespace
 
 Loader::Loader(bool decode) : m_decode(decode) {
+  plat::keepFreedMemory();  // as krxhost does
   static LOG_Logging log;
   LOG_setGlobalLog(&log);
   m_settings.mailDomain = "example.org";

@@ -16,6 +16,7 @@
 #include "host/Show.h"
 #include "pfa/PFAPROF.h"
 #include "plat/PlatFile.h"
+#include "plat/PlatMemory.h"
 
 namespace host {
 namespace {
@@ -208,6 +209,7 @@ int parseAndRun(int argc, char** argv) {
 }  // namespace host
 
 int main(int argc, char** argv) {
+  plat::keepFreedMemory();
   int result = host::Exit::inputOutput;
   const auto failure = GENCatch([&] {
     try {

@@ -2,7 +2,7 @@
 #include "atr/ATRATLST.h"
 
 #include <ostream>
-#include <unordered_set>
+#include <vector>
 
 #include "gen/GENCATCH.h"
 #include "scl/SCLDUMP.h"
@@ -20,42 +20,83 @@ void checkIndex(unsigned int index, unsigned int count) {
 
 }  // namespace
 
-// Attributes by folded name. Of several of one name, which only renaming brings about, it holds
-// the first.
+// Attributes by folded name, in a table with open addressing that keeps their hashes: looking one
+// up reads one slot and, where the hash is right, one name. Of several of one name, which only
+// renaming brings about, it holds the first.
 class ATR_AttributeList::Index {
  public:
   void add(ATR_Attribute* attribute) {
-    m_hasDuplicates = !m_entries.insert(attribute).second || m_hasDuplicates;
+    if ((m_used + 1) * 2 > m_slots.size()) {
+      grow();
+    }
+    const Slot added{hashOf(attribute->name()), attribute};
+    const std::size_t i = slotOf(added.hash, attribute->name());
+    if (m_slots[i].attribute != nullptr) {
+      m_hasDuplicates = true;
+    } else {
+      m_slots[i] = added;
+      ++m_used;
+    }
   }
-  void remove(ATR_Attribute* attribute) { m_entries.erase(attribute); }
+  // Of an attribute that is in it, with the name that it had when it was added.
+  void remove(const ATR_Attribute* attribute) noexcept {
+    std::size_t hole = slotOf(hashOf(attribute->name()), attribute->name());
+    // What was put further on because of it moves back.
+    for (std::size_t i = next(hole); m_slots[i].attribute != nullptr; i = next(i)) {
+      if (distance(m_slots[i].hash & mask(), i) >= distance(hole, i)) {
+        m_slots[hole] = m_slots[i];
+        hole = i;
+      }
+    }
+    m_slots[hole] = Slot();
+    --m_used;
+  }
   ATR_Attribute* find(std::string_view name) const noexcept {
-    const auto entry = m_entries.find(name);
-    return entry != m_entries.end() ? *entry : nullptr;
+    return m_slots[slotOf(hashOf(name), name)].attribute;
   }
   bool hasDuplicates() const noexcept { return m_hasDuplicates; }
 
  private:
-  static std::string_view nameOf(const ATR_Attribute* attribute) noexcept {
-    return attribute->name();
+  static constexpr std::size_t FIRST_SLOTS = 64;
+
+  struct Slot {
+    std::uint32_t hash = 0;
+    ATR_Attribute* attribute = nullptr;
+  };
+
+  static std::uint32_t hashOf(std::string_view name) noexcept {
+    return static_cast<std::uint32_t>(SCL_hashNoCase(name));
   }
-  static std::string_view nameOf(std::string_view name) noexcept { return name; }
-
-  struct Hash {
-    using is_transparent = void;
-    template <class Key>
-    std::size_t operator()(const Key& key) const noexcept {
-      return SCL_hashNoCase(nameOf(key));
+  std::size_t mask() const noexcept { return m_slots.size() - 1; }
+  std::size_t next(std::size_t i) const noexcept { return (i + 1) & mask(); }
+  std::size_t distance(std::size_t from, std::size_t to) const noexcept {
+    return (to - from) & mask();
+  }
+  // Where an attribute of that name is, or would be put.
+  std::size_t slotOf(std::uint32_t hash, std::string_view name) const noexcept {
+    std::size_t i = hash & mask();
+    while (m_slots[i].attribute != nullptr &&
+           (m_slots[i].hash != hash || !SCL_equalNoCase(m_slots[i].attribute->name(), name))) {
+      i = next(i);
     }
-  };
-  struct Equal {
-    using is_transparent = void;
-    template <class Left, class Right>
-    bool operator()(const Left& left, const Right& right) const noexcept {
-      return SCL_equalNoCase(nameOf(left), nameOf(right));
+    return i;
+  }
+  void grow() {
+    std::vector<Slot> before(m_slots.size() * 2);
+    before.swap(m_slots);
+    for (const Slot& slot : before) {
+      if (slot.attribute != nullptr) {
+        std::size_t i = slot.hash & mask();
+        while (m_slots[i].attribute != nullptr) {
+          i = next(i);
+        }
+        m_slots[i] = slot;
+      }
     }
-  };
+  }
 
-  std::unordered_set<ATR_Attribute*, Hash, Equal> m_entries;
+  std::vector<Slot> m_slots = std::vector<Slot>(FIRST_SLOTS);  // a power of two
+  std::size_t m_used = 0;
   bool m_hasDuplicates = false;
 };
 

@@ -3,32 +3,21 @@
 
 #include <ostream>
 
-#include "gen/GENCATCH.h"
+#include "gen/GENCODES.h"
+#include "gen/GENWNT.h"
 #include "scl/SCLDUMP.h"
 
-namespace {
-
-// The caller owns the copy.
-SCL_String* newString(const SCL_StringRef& value) {
-  return GENMake<SCL_String>("ATRATTR", __LINE__, value).release();
-}
-
-}  // namespace
-
 ATR_Attribute::ATR_Attribute(const SCL_StringRef& name, const SCL_StringRef& value)
-    : m_name(name), m_type(STRING), m_string(newString(value)) {}
+    : m_name(name), m_type(STRING), m_integer(0), m_string(value) {}
 
 ATR_Attribute::ATR_Attribute(const SCL_StringRef& name, std::uint32_t value)
     : m_name(name), m_type(INTEGER), m_integer(value) {}
 
 ATR_Attribute::ATR_Attribute(const ATR_Attribute& other)
-    : m_name(other.m_name), m_type(INTEGER), m_integer(0) {
-  if (other.m_type == STRING) {
-    setString(*other.m_string);
-  } else {
-    m_integer = other.m_integer;
-  }
-}
+    : m_name(other.m_name),
+      m_type(other.m_type),
+      m_integer(other.m_integer),
+      m_string(other.m_string) {}
 
 ATR_Attribute& ATR_Attribute::operator=(const ATR_Attribute& other) {
   if (this == &other) {
@@ -36,17 +25,11 @@ ATR_Attribute& ATR_Attribute::operator=(const ATR_Attribute& other) {
   }
   setName(other.m_name);
   if (other.m_type == STRING) {
-    setString(*other.m_string);
+    setString(other.m_string);
   } else {
     setInteger(other.m_integer);
   }
   return *this;
-}
-
-ATR_Attribute::~ATR_Attribute() {
-  if (m_type == STRING) {
-    delete m_string;
-  }
 }
 
 void ATR_Attribute::setName(const SCL_StringRef& name) {
@@ -60,7 +43,7 @@ const SCL_String& ATR_Attribute::string() const {
   if (m_type != STRING) {
     GENAssertText("Attribute does not have a string value.", "ATRATTR", __LINE__);
   }
-  return *m_string;
+  return m_string;
 }
 
 std::uint32_t ATR_Attribute::getInteger() const {
@@ -71,18 +54,12 @@ std::uint32_t ATR_Attribute::getInteger() const {
 }
 
 void ATR_Attribute::setString(const SCL_StringRef& value) {
-  if (m_type == STRING) {
-    *m_string = value;
-    return;
-  }
-  m_string = newString(value);  // before the type says so: this may throw
+  m_string = value;  // before the type says so: this may throw
   m_type = STRING;
 }
 
 void ATR_Attribute::setInteger(std::uint32_t value) noexcept {
-  if (m_type == STRING) {
-    delete m_string;
-  }
+  m_string = SCL_String();
   m_type = INTEGER;
   m_integer = value;
 }
@@ -96,6 +73,6 @@ void ATR_Attribute::dump(const SCL_StringRef& name, std::ostream& stream,
     dump.line() << "m_integer = " << m_integer << ";" << std::endl;
   } else {
     dump.line() << "m_type = STRING;" << std::endl;
-    dump.quoted("*m_string", *m_string);
+    dump.quoted("*m_string", m_string);
   }
 }

@@ -18,7 +18,6 @@ class ATR_Attribute {
   ATR_Attribute(const ATR_Attribute& other);
   // The name, then the value; the attribute keeps its place when it belongs to a list.
   ATR_Attribute& operator=(const ATR_Attribute& other);
-  ~ATR_Attribute();
 
   SCL_String getName() const { return m_name; }
   const SCL_String& name() const noexcept { return m_name; }  // no copy; valid until setName
@@ -41,10 +40,8 @@ class ATR_Attribute {
 
   SCL_String m_name;
   ATR_AttributeType m_type;
-  union {
-    std::uint32_t m_integer;
-    SCL_String* m_string;  // owned, while the type is STRING
-  };
+  std::uint32_t m_integer;  // while the type is INTEGER
+  SCL_String m_string;      // while it is STRING, else empty
   // Set at a change of the name, for the list that the attribute belongs to; not copied.
   bool* m_renamed = nullptr;
 };

@@ -18,6 +18,16 @@ constexpr int EXISTS = 0;
 constexpr int WILDCARDS_IN_NAME = -2;
 constexpr int DOES_NOT_EXIST = -3;
 
+// The check is made after the open, for the few that fail; it takes either letter case, which the
+// open may not.
+unsigned int statusOfFailedOpen(const SCL_StringRef& path, int error) {
+  const unsigned int status = dac::fileCheckStatus(dv::checkFile(path));
+  if (status != 0) {
+    return status;
+  }
+  return error == ENOENT ? DV_NOT_FOUND : DAC_OPEN;
+}
+
 }  // namespace
 
 unsigned int dac::fileCheckStatus(int result) noexcept {
@@ -47,9 +57,8 @@ void DAC_FileStream::open(const SCL_StringRef& path, const Options& options, uns
   }
   unsigned int ignored = 0;
   close(ignored);
-  const int check = dv::checkFile(path);
-  if (check != EXISTS) {
-    status = dac::fileCheckStatus(check);
+  if (const int form = dv::checkFileForm(path); form != EXISTS) {
+    status = dac::fileCheckStatus(form);
     return;
   }
   plat::OpenMode mode;
@@ -59,17 +68,16 @@ void DAC_FileStream::open(const SCL_StringRef& path, const Options& options, uns
   mode.otherCase = options.otherCase;
   const int error = m_file.open(path, mode);
   if (error != 0) {
-    status = error == ENOENT ? DV_NOT_FOUND : DAC_OPEN;  // the check takes either letter case
+    status = statusOfFailedOpen(path, error);
     return;
   }
-  std::int64_t bytes = 0;
-  if (m_file.size(bytes) != 0 || bytes > MAX_SIZE) {
+  if (m_file.sizeAtOpen() > MAX_SIZE) {
     m_file.close();
     status = DAC_OPEN;
     return;
   }
   opened(path, options);
-  m_lastSize = bytes;
+  m_lastSize = m_file.sizeAtOpen();
   m_appendOnly = mode.append;
   m_readOnly = options.readOnly;
 }
@@ -146,6 +154,9 @@ std::int32_t DAC_FileStream::size(unsigned int& status) {
   if (status != 0) {
     return 0;
   }
+  if (m_readOnly && m_file.isOpen()) {
+    return static_cast<std::int32_t>(m_lastSize);
+  }
   if (!handOn()) {
     status = DAC_WRITE;
     return 0;
@@ -215,11 +226,12 @@ std::string_view DAC_FileStream::fetch(std::int64_t position, unsigned int& stat
     status = DAC_WRITE;
     return {};
   }
-  std::size_t done = 0;
-  if (!haveBuffer(m_lastSize - position, status)) {
+  const std::int64_t end = m_readOnly ? m_lastSize : MAX_SIZE;
+  if (position >= end || !haveBuffer(m_lastSize - position, status)) {
     return {};
   }
-  const auto reach = static_cast<std::size_t>(MAX_SIZE - position);
+  const auto reach = static_cast<std::size_t>(end - position);
+  std::size_t done = 0;
   if (m_file.readAt(position, m_buffer.get(), std::min(m_capacity, reach), done) != 0) {
     dropBuffered();
     status = DAC_READ;

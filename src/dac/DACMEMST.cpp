@@ -47,10 +47,6 @@ std::size_t memoryFor(std::int32_t capacity) noexcept {
 
 }  // namespace
 
-DAC_MemoryStream::~DAC_MemoryStream() {
-  std::free(m_Data);
-}
-
 void DAC_MemoryStream::grow(std::int64_t need, unsigned int& status) noexcept {
   if (need <= m_Capacity) {
     return;
@@ -60,13 +56,9 @@ void DAC_MemoryStream::grow(std::int64_t need, unsigned int& status) noexcept {
     return;
   }
   const std::int32_t capacity = capacityFor(need);
-  if (m_Data == nullptr || memoryFor(capacity) > memoryFor(m_Capacity)) {
-    auto* data = static_cast<char*>(std::realloc(m_Data, memoryFor(capacity)));
-    if (data == nullptr) {
-      status = DAC_NO_MEMORY;
-      return;
-    }
-    m_Data = data;
+  if (!m_Data.grow(memoryFor(capacity), static_cast<std::size_t>(m_Touched))) {
+    status = DAC_NO_MEMORY;
+    return;
   }
   m_Capacity = capacity;
 }
@@ -84,11 +76,21 @@ char* DAC_MemoryStream::claim(std::int32_t position, std::int32_t count,
   if (status != 0) {
     return nullptr;
   }
-  if (position > m_Size) {
-    std::memset(m_Data + m_Size, 0, static_cast<std::size_t>(position - m_Size));
+  clearTo(position);
+  if (count > 0) {
+    m_Touched = std::max(m_Touched, static_cast<std::int32_t>(end));
   }
   m_Size = std::max(m_Size, static_cast<std::int32_t>(end));
-  return m_Data + position;
+  return m_Data.data() + position;
+}
+
+// Zeros from the end of the content to `position`, where they are not there already.
+void DAC_MemoryStream::clearTo(std::int32_t position) noexcept {
+  const std::int32_t end = m_Data.comesZeroed() ? std::min(position, m_Touched) : position;
+  if (end > m_Size) {
+    std::memset(m_Data.data() + m_Size, 0, static_cast<std::size_t>(end - m_Size));
+    m_Touched = std::max(m_Touched, end);
+  }
 }
 
 std::int32_t DAC_MemoryStream::size(unsigned int&) {
@@ -126,7 +128,7 @@ std::int32_t DAC_MemoryStream::read(std::int32_t& position, std::int32_t count, 
     return 0;
   }
   const std::int32_t taken = std::min(count, m_Size - position);
-  std::memcpy(buffer, m_Data + position, static_cast<std::size_t>(taken));
+  std::memcpy(buffer, m_Data.data() + position, static_cast<std::size_t>(taken));
   position += taken;
   return taken;
 }
@@ -174,11 +176,12 @@ void DAC_MemoryStream::write(std::int32_t& position, std::int32_t count, const v
     return;
   }
   const auto* source = static_cast<const char*>(data);
+  const char* const own = m_Data.data();
   const bool isOwn =
-      m_Data != nullptr && !std::less<>()(source, m_Data) && std::less<>()(source, m_Data + m_Size);
-  const std::ptrdiff_t offset = isOwn ? source - m_Data : 0;
+      own != nullptr && !std::less<>()(source, own) && std::less<>()(source, own + m_Size);
+  const std::ptrdiff_t offset = isOwn ? source - own : 0;
   if (char* target = claim(position, count, status)) {
-    std::memmove(target, isOwn ? m_Data + offset : source, static_cast<std::size_t>(count));
+    std::memmove(target, isOwn ? m_Data.data() + offset : source, static_cast<std::size_t>(count));
     position += count;
   }
 }
@@ -202,7 +205,7 @@ void DAC_MemoryStream::fill(std::int32_t& position, std::int32_t count, char byt
 }
 
 char DAC_MemoryStream::getChar(std::int32_t& position, unsigned int& status) {
-  return isReadable(position, status) ? m_Data[position++] : '\0';
+  return isReadable(position, status) ? m_Data.data()[position++] : '\0';
 }
 
 void DAC_MemoryStream::putChar(std::int32_t& position, char byte, unsigned int& status) {
@@ -213,5 +216,5 @@ std::string_view DAC_MemoryStream::window(std::int32_t position) {
   if (position < 0 || position >= m_Size) {
     return {};
   }
-  return {m_Data + position, static_cast<std::size_t>(m_Size - position)};
+  return {m_Data.data() + position, static_cast<std::size_t>(m_Size - position)};
 }

@@ -5,11 +5,11 @@
 #pragma once
 
 #include "dac/DACABSST.h"
+#include "plat/PlatMemory.h"
 
 class DAC_MemoryStream : public DAC_Stream {
  public:
   DAC_MemoryStream() noexcept = default;
-  ~DAC_MemoryStream() override;
 
   std::int32_t size(unsigned int& status) override;  // answers whatever the status
   void setSize(std::int32_t newSize, unsigned int& status) override;
@@ -34,9 +34,11 @@ class DAC_MemoryStream : public DAC_Stream {
  private:
   void grow(std::int64_t need, unsigned int& status) noexcept;
   char* claim(std::int32_t position, std::int32_t count, unsigned int& status) noexcept;
+  void clearTo(std::int32_t position) noexcept;
   bool isReadable(std::int32_t position, unsigned int& status) const noexcept;
 
-  char* m_Data = nullptr;
+  plat::GrowingBlock m_Data;
   std::int32_t m_Capacity = 0;  // by the growth rule; small buffers have more memory behind them
   std::int32_t m_Size = 0;
+  std::int32_t m_Touched = 0;  // the end of all that was ever written
 };

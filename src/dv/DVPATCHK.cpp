@@ -57,23 +57,6 @@ int resultOfError(int error) noexcept {
   }
 }
 
-// What the path's form alone tells about a file path; FOUND when the file system has to be asked.
-int checkForm(const SCL_StringRef& path) {
-  PathRecord record;
-  if (SCL_trimmed(path).empty()) {
-    return EMPTY;
-  }
-  if (!decodeWhole(record, path) || hasWildcard(record, record.server) ||
-      hasWildcard(record, record.directory)) {
-    return INVALID;
-  }
-  const bool extensionOnly = record.name.length == 0 && record.extension.length != 0;
-  if (extensionOnly || hasWildcard(record, record.name) || hasWildcard(record, record.extension)) {
-    return WILDCARDS;
-  }
-  return record.name.length == 0 || isDirectoryLink(record) ? NOT_A_FILE : FOUND;
-}
-
 // The current drive and directory of the process. False when they cannot be written as a path.
 bool currentPlace(PathRecord& record) {
   return decodeWhole(record, plat::currentDrive() + plat::currentDirectory());
@@ -127,8 +110,24 @@ int checkExistingDirectory(const SCL_StringRef& path) {
 
 }  // namespace
 
+int checkFileForm(const SCL_StringRef& path) {
+  PathRecord record;
+  if (SCL_trimmed(path).empty()) {
+    return EMPTY;
+  }
+  if (!decodeWhole(record, path) || hasWildcard(record, record.server) ||
+      hasWildcard(record, record.directory)) {
+    return INVALID;
+  }
+  const bool extensionOnly = record.name.length == 0 && record.extension.length != 0;
+  if (extensionOnly || hasWildcard(record, record.name) || hasWildcard(record, record.extension)) {
+    return WILDCARDS;
+  }
+  return record.name.length == 0 || isDirectoryLink(record) ? NOT_A_FILE : FOUND;
+}
+
 int checkFile(const SCL_StringRef& path) {
-  const int form = checkForm(path);
+  const int form = checkFileForm(path);
   if (form != FOUND) {
     return form;
   }

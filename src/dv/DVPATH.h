@@ -63,6 +63,8 @@ SCL_String composePath(const PathRecord& record, unsigned int mask);
 // assertion (1), a null view counts as empty.
 int checkFile(const SCL_StringRef& path);
 int checkFile(const char* path);
+// What the path's form alone tells of this: 0 when the file system has to be asked.
+int checkFileForm(const SCL_StringRef& path);
 // 0 an existing directory; -1 not valid or not a directory; -3 does not exist or cannot be reached.
 // `size` is the size of the buffer that the path with a last separator would have to fit. A
 // relative path is completed from the current drive and directory of the process, one on another

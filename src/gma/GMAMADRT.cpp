@@ -19,6 +19,14 @@ std::size_t hashParts(const GMA_Maddr& address) noexcept {
   return hash * MIX + SCL_hashNoCase(address.getLocation());
 }
 
+std::unique_ptr<GMA_Maddr> cloneOf(const GMA_Maddr& address) {
+  std::unique_ptr<GMA_Maddr> copy(address.clone());
+  if (copy == nullptr) {
+    GENAssert(GEN_NULL_POINTER, "GMAMADRT", __LINE__);
+  }
+  return copy;
+}
+
 }  // namespace
 
 // Chains of entries whose parts have one hash. Entries of equal parts may stand in the table more
@@ -79,7 +87,7 @@ GMA_MaddrTable::GMA_MaddrTable() noexcept = default;
 
 GMA_MaddrTable::GMA_MaddrTable(const GMA_MaddrTable& other) {
   for (std::uint16_t i = 0; i < other.count(); ++i) {
-    append(*other.m_addrs[i]);
+    append(cloneOf(*other.m_addrs[i]));
   }
 }
 
@@ -143,17 +151,19 @@ const GMA_MaddrTable::Index* GMA_MaddrTable::upToDateIndex() const noexcept {
 
 void GMA_MaddrTable::add(const GMA_Maddr& address) {
   if (!contains(address)) {
-    append(address);
+    append(cloneOf(address));
   }
 }
 
-void GMA_MaddrTable::append(const GMA_Maddr& address) {
-  std::unique_ptr<GMA_Maddr> copy(address.clone());
-  if (copy == nullptr) {
-    GENAssert(GEN_NULL_POINTER, "GMAMADRT", __LINE__);
+void GMA_MaddrTable::add(std::unique_ptr<GMA_Maddr> address) {
+  if (!contains(*address)) {
+    append(std::move(address));
   }
-  GMA_Maddr* const added = copy.get();
-  m_addrs.append(std::move(copy));
+}
+
+void GMA_MaddrTable::append(std::unique_ptr<GMA_Maddr> address) {
+  GMA_Maddr* const added = address.get();
+  m_addrs.append(std::move(address));
   added->m_changed = &m_changed;
   m_isIndexable = m_isIndexable && added->isFoundByParts();
   if (m_index != nullptr && GENCatch([&] { m_index->add(*added); })) {

@@ -29,13 +29,15 @@ class GMA_MaddrTable {
   GMA_Maddr* find(const GMA_Maddr& address) const;
   // Appends a clone, unless an equal address is there. `address` may be one of this table.
   void add(const GMA_Maddr& address);
+  // The same with the address itself, which the table takes over or deletes.
+  void add(std::unique_ptr<GMA_Maddr> address);
   void clear() noexcept;
   void dump(const SCL_StringRef& name, std::ostream& stream, SCL_DumpIndent& indent) const;
 
  private:
   class Index;  // by type, user and location, for long tables
 
-  void append(const GMA_Maddr& address);
+  void append(std::unique_ptr<GMA_Maddr> address);
   GMA_Maddr* findLinear(const GMA_Maddr& address) const;
   const Index* upToDateIndex() const noexcept;
 

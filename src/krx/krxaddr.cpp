@@ -104,8 +104,30 @@ void localPart(std::string_view source, const std::vector<Token>& tokens, std::s
   user.assign(SCL_trimmed(source.substr(first.begin, stop - first.begin)));
 }
 
+// user@host without quotes, comments or anything else that only the tokens tell apart: as nearly
+// every recipient is.
+bool splitPlain(std::string_view text, KRX_ParsedAddress& address) {
+  constexpr std::size_t LONGEST = 1024;  // far from the limit of tokens
+  const std::size_t at = text.find('@');
+  if (at == std::string_view::npos || at == 0 || at + 1 == text.size() || text.size() > LONGEST) {
+    return false;
+  }
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isPlain = text[i] == '.' || !rfc::is(text[i], rfc::CTL | rfc::LWSP | rfc::SPECIAL);
+    if (!isPlain && i != at) {
+      return false;
+    }
+  }
+  address.user.assign(text.substr(0, at));
+  address.location.assign(text.substr(at + 1));
+  return true;
+}
+
 bool splitAddress(const SCL_StringRef& text, const SCL_StringRef& domain,
                   KRX_ParsedAddress& address) {
+  if (splitPlain(text, address)) {
+    return true;
+  }
   RFC_SymbolList symbols;
   std::vector<Token> tokens;
   Range range{};

@@ -1,5 +1,6 @@
 // The envelope file: read into the identifying header and the envelope addresses, and written.
 #include "dac/DACBASDA.h"
+#include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "gen/GENWNT.h"
 #include "krx/krxapi.h"
@@ -104,7 +105,7 @@ void KRX_Message::addEnvelopeAddress(std::uint32_t type, const SCL_StringRef& te
     status = KRX_ENVELOPE_FORM;
     return;
   }
-  const KRX_Maddr address(type, text, m_dflt_domain, status);
+  auto address = GENMake<KRX_Maddr>("krxmsg", __LINE__, type, text, m_dflt_domain, status);
   if (status == KRX_RELAYED_ADDRESS) {
     m_attrs.setString(SPOOF_WARNING, "TRUE");
     status = 0;
@@ -112,12 +113,12 @@ void KRX_Message::addEnvelopeAddress(std::uint32_t type, const SCL_StringRef& te
   if (status != 0) {
     return;
   }
-  if (m_addresses.count() == UINT16_MAX && !m_addresses.contains(address)) {
+  if (m_addresses.count() == UINT16_MAX && !m_addresses.contains(*address)) {
     KRX_logTooMany("addresses");
     status = KRX_ENVELOPE_FORM;
     return;
   }
-  m_addresses.add(address);
+  m_addresses.add(std::move(address));
 }
 
 void KRX_Message::writeEnvelope(DAC_BaseDataAccess& stream, unsigned int& status) {

@@ -1,8 +1,10 @@
 // The message file on its way in: lines, boundaries, and the parts of a multipart message
 // (RFC 2046 section 5.1).
 #include <algorithm>
+#include <array>
 
 #include "atr/ATRATLST.h"
+#include "dac/DACLINE.h"
 #include "dac/DACMEMDA.h"
 #include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
@@ -25,7 +27,7 @@ class LineReader {
   // False at the end of the data (status 0) and on a failure. `piece` is valid until the next call.
   bool next(std::string_view& piece, unsigned int& status) {
     m_first = !m_continues;
-    const std::int32_t length = m_stream.readLine(LINE_BUFFER, m_buffer, status);
+    const std::int32_t length = m_stream.readLine(LINE_BUFFER, m_buffer.data(), status);
     if (status == DAC_END) {
       status = 0;
       return false;
@@ -34,7 +36,7 @@ class LineReader {
     if (m_continues) {
       status = 0;
     }
-    piece = {m_buffer, static_cast<std::size_t>(std::max(length, 0))};
+    piece = {m_buffer.data(), static_cast<std::size_t>(std::max(length, 0))};
     return status == 0;
   }
   bool isFirstPiece() const noexcept { return m_first; }
@@ -42,7 +44,7 @@ class LineReader {
 
  private:
   DAC_BaseDataAccess& m_stream;
-  char m_buffer[LINE_BUFFER];
+  std::array<char, LINE_BUFFER> m_buffer;
   bool m_first = true;
   bool m_continues = false;
 };
@@ -50,6 +52,57 @@ class LineReader {
 void write(DAC_BaseDataAccess& data, std::string_view bytes, unsigned int& status) {
   data.write(static_cast<std::int32_t>(bytes.size()), bytes.data(), status);
 }
+
+bool needsLook(char first) noexcept {
+  return first == '.' || first == '-';
+}
+
+// Copies the lines that lie ready in memory into a part's content, each with CR LF behind it, up to
+// the first that needs a look at it as a line, or whose end is not in sight. What stands as it is
+// to be kept, which is nearly all of a mail, goes over in one piece.
+class LineCopier {
+ public:
+  LineCopier(DAC_BaseDataAccess& stream, DAC_BaseDataAccess& data) noexcept
+      : m_stream(stream), m_data(data) {}
+
+  // The stream stands at the beginning of a line, before and afterwards.
+  void copy(unsigned int& status) {
+    std::int32_t position = m_stream.getPosition();
+    const std::int32_t start = position;
+    std::size_t done = 0;
+    do {
+      done = copyReady(m_stream.window(position), status);
+      position += static_cast<std::int32_t>(done);
+    } while (done != 0 && status == 0);
+    if (position != start) {
+      m_stream.setPosition(position, status);
+    }
+  }
+
+ private:
+  std::size_t copyReady(std::string_view ready, unsigned int& status) {
+    std::size_t line = 0;
+    std::size_t run = 0;  // where the lines begin that are to be written yet
+    while (status == 0 && line < ready.size() && !needsLook(ready[line])) {
+      const std::size_t end = line + dac::findLineEnd(ready.substr(line));
+      if (end + 1 >= ready.size()) {
+        break;
+      }
+      const bool isPair = dac::isLineEndPair(ready[end], ready[end + 1]);
+      line = end + (isPair ? 2 : 1);
+      if (!isPair || ready[end] != '\r') {
+        write(m_data, ready.substr(run, end - run), status);
+        write(m_data, CR_LF, status);
+        run = line;
+      }
+    }
+    write(m_data, ready.substr(run, line - run), status);
+    return line;
+  }
+
+  DAC_BaseDataAccess& m_stream;
+  DAC_BaseDataAccess& m_data;
+};
 
 // Gathers the lines before the first boundary, or after the last.
 class LineCollector {
@@ -137,11 +190,12 @@ std::unique_ptr<DAC_BaseDataAccess> KRX_Message::readPartContent(DAC_BaseDataAcc
                                                                  unsigned int& status) {
   kind = LineKind::content;
   auto data = GENMake<DAC_MemoryDataAccess>("krxmsg", __LINE__, CONTENT_RESERVE);
+  LineCopier copier(stream, *data);
   LineReader reader(stream);
   std::string_view piece;
+  copier.copy(status);
   while (reader.next(piece, status)) {
-    const char first = SCL_firstChar(piece);
-    if (reader.isFirstPiece() && (first == '.' || first == '-')) {
+    if (reader.isFirstPiece() && needsLook(SCL_firstChar(piece))) {
       kind = classifyLine(piece, boundary.view());
       if (kind != LineKind::content) {
         return data;
@@ -153,6 +207,7 @@ std::unique_ptr<DAC_BaseDataAccess> KRX_Message::readPartContent(DAC_BaseDataAcc
     write(*data, piece, status);
     if (!reader.continues()) {
       write(*data, CR_LF, status);
+      copier.copy(status);
     }
   }
   if (reader.continues()) {

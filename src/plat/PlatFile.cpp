@@ -93,12 +93,13 @@ int openNameless(const std::string& native, const OpenMode& mode) {
   });
 }
 
-int checkRegular(int descriptor) {
+int checkRegular(int descriptor, std::int64_t& size) {
   struct stat file {};
   if (::fstat(descriptor, &file) < 0) {
     return errno;
   }
   if (S_ISREG(file.st_mode)) {
+    size = file.st_size;
     return 0;
   }
   return S_ISDIR(file.st_mode) ? EISDIR : EINVAL;
@@ -111,16 +112,18 @@ int makeBlocking(int descriptor) {
 }
 
 // Everything that is asked of the file once it is open.
-int settle(int descriptor, const OpenMode& mode) {
-  if (const int error = mode.regularOnly ? checkRegular(descriptor) : makeBlocking(descriptor);
+int settle(int descriptor, const OpenMode& mode, std::int64_t& size) {
+  size = 0;
+  if (const int error = mode.regularOnly ? checkRegular(descriptor, size) : makeBlocking(descriptor);
       error != 0) {
     return error;
   }
   if (const int error = testShare(descriptor, writes(mode), mode.share); error != 0) {
     return error;
   }
-  if (mode.truncate && repeatInterrupted([&] { return ::ftruncate(descriptor, 0); }) < 0) {
-    return errno;
+  if (mode.truncate) {
+    size = 0;
+    return repeatInterrupted([&] { return ::ftruncate(descriptor, 0); }) < 0 ? errno : 0;
   }
   return 0;
 }
@@ -135,6 +138,7 @@ int openError(const OpenMode& mode) {
 File::File(File&& other) noexcept
     : m_descriptor(std::exchange(other.m_descriptor, -1)),
       m_name(std::exchange(other.m_name, Name::settled)),
+      m_sizeAtOpen(other.m_sizeAtOpen),
       m_path(std::move(other.m_path)) {}
 
 File& File::operator=(File&& other) noexcept {
@@ -142,6 +146,7 @@ File& File::operator=(File&& other) noexcept {
     close();
     m_descriptor = std::exchange(other.m_descriptor, -1);
     m_name = std::exchange(other.m_name, Name::settled);
+    m_sizeAtOpen = other.m_sizeAtOpen;
     m_path = std::move(other.m_path);
   }
   return *this;
@@ -157,7 +162,7 @@ int File::open(std::string_view path, const OpenMode& mode) {
   m_path = native.text();
   const int nameless = openNameless(m_path, mode);
   Descriptor opened(nameless >= 0 ? nameless : openEither(m_path, mode));
-  const int error = opened.isOpen() ? settle(opened.get(), mode) : openError(mode);
+  const int error = opened.isOpen() ? settle(opened.get(), mode, m_sizeAtOpen) : openError(mode);
   if (error != 0) {
     if (opened.isOpen() && nameless < 0 && mode.create && mode.exclusive) {
       ::unlink(m_path.c_str());  // our own, and of no use to anyone

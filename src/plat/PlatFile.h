@@ -54,6 +54,8 @@ class File {
   int open(std::string_view path, const OpenMode& mode);
   bool isOpen() const noexcept { return m_descriptor >= 0; }
   const std::string& nativePath() const noexcept { return m_path; }  // the name that was opened
+  // What the open saw, so that nobody need ask again; 0 for what is no regular file.
+  std::int64_t sizeAtOpen() const noexcept { return m_sizeAtOpen; }
   // Reads up to `count` bytes at `position`; `done` is below count only at the end of the file.
   int readAt(std::int64_t position, void* buffer, std::size_t count, std::size_t& done);
   // Writes all bytes at `position` (at the end in append mode).
@@ -73,6 +75,7 @@ class File {
 
   int m_descriptor = -1;
   Name m_name = Name::settled;
+  std::int64_t m_sizeAtOpen = 0;
   std::string m_path;
 };
 

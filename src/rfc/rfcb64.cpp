@@ -6,6 +6,7 @@
 #include "dac/DACATTRN.h"
 #include "gen/GENCODES.h"
 #include "gen/GENWNT.h"
+#include "rfc/rfcb64grp.h"
 #include "rfc/rfcblock.h"
 #include "rfc/rfccodec.h"
 #include "rfc/rfcline.h"
@@ -15,24 +16,7 @@ namespace {
 // Characters of a line that are read at once.
 constexpr std::int32_t LINE_PIECE = 1023;
 
-constexpr unsigned int PAD = 64;
-constexpr unsigned int SKIP = 128;
-
-constexpr std::array<std::uint8_t, 256> VALUES = [] {
-  constexpr std::string_view ALPHABET =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::array<std::uint8_t, 256> values{};
-  values.fill(SKIP);
-  for (std::size_t i = 0; i < ALPHABET.size(); ++i) {
-    values[static_cast<unsigned char>(ALPHABET[i])] = static_cast<std::uint8_t>(i);
-  }
-  values['='] = PAD;
-  return values;
-}();
-
-unsigned int valueOf(char c) noexcept {
-  return VALUES[static_cast<unsigned char>(c)];
-}
+constexpr unsigned int PAD = rfc::B64_PAD;
 
 char low8(unsigned int bits) noexcept {
   return static_cast<char>(static_cast<unsigned char>(bits));
@@ -72,28 +56,15 @@ void Base64::feed(std::string_view text) {
 
 // Decodes the groups at the front that are nothing but values.
 std::size_t Base64::takeGroups(std::string_view text) {
-  char* const begin = m_output.room(static_cast<std::size_t>(LINE_PIECE));
-  char* out = begin;
-  std::size_t i = 0;
-  for (; i + 4 <= text.size(); i += 4) {
-    const unsigned int c0 = valueOf(text[i]);
-    const unsigned int c1 = valueOf(text[i + 1]);
-    const unsigned int c2 = valueOf(text[i + 2]);
-    const unsigned int c3 = valueOf(text[i + 3]);
-    if ((c0 | c1 | c2 | c3) >= PAD) {
-      break;
-    }
-    *out++ = low8(c0 << 2 | c1 >> 4);
-    *out++ = low8(c1 << 4 | c2 >> 2);
-    *out++ = low8(c2 << 6 | c3);
-  }
-  m_output.use(static_cast<std::size_t>(out - begin));
-  return i;
+  const std::size_t taken =
+      rfc::decodeBase64Groups(text, m_output.room(rfc::base64Room(text.size())));
+  m_output.use(taken / 4 * 3);
+  return taken;
 }
 
 void Base64::takeCharacter(char c) {
-  const unsigned int value = valueOf(c);
-  if (value == SKIP) {
+  const unsigned int value = rfc::base64Value(c);
+  if (value == rfc::B64_SKIP) {
     return;
   }
   m_group[m_pending++] = value;

@@ -31,7 +31,9 @@ class SCL_PtrVector {
   }
   ~SCL_PtrVector() {
     clear();
-    std::free(m_items);
+    if (m_items != &m_single) {
+      std::free(m_items);
+    }
   }
 
   Count count() const noexcept { return m_count; }
@@ -88,7 +90,10 @@ class SCL_PtrVector {
     m_count = 0;
   }
   void swap(SCL_PtrVector& other) noexcept {
-    std::swap(m_items, other.m_items);
+    T** const mine = m_items == &m_single ? &other.m_single : m_items;
+    m_items = other.m_items == &other.m_single ? &m_single : other.m_items;
+    other.m_items = mine;
+    std::swap(m_single, other.m_single);
     std::swap(m_capacity, other.m_capacity);
     std::swap(m_physical, other.m_physical);
     std::swap(m_count, other.m_count);
@@ -108,10 +113,19 @@ class SCL_PtrVector {
     if (slots <= m_physical) {
       return;
     }
+    if (slots == 1) {
+      m_items = &m_single;
+      m_physical = 1;
+      return;
+    }
     const unsigned int grown = std::max({slots, m_physical + m_physical / 2, 4U});
-    auto* items = static_cast<T**>(std::realloc(static_cast<void*>(m_items), sizeof(T*) * grown));
+    void* const before = m_items != &m_single ? static_cast<void*>(m_items) : nullptr;
+    auto* items = static_cast<T**>(std::realloc(before, sizeof(T*) * grown));
     if (items == nullptr) {
       GENAssert(GEN_NULL_POINTER, "sclpvec", __LINE__);
+    }
+    if (m_items == &m_single) {
+      items[0] = m_single;
     }
     std::fill(items + m_physical, items + grown, nullptr);
     m_items = items;
@@ -122,4 +136,5 @@ class SCL_PtrVector {
   unsigned int m_capacity = 0;  // as reported
   unsigned int m_physical = 0;  // as allocated
   Count m_count = 0;
+  T* m_single = nullptr;  // many lists have one element, which needs no memory of its own
 };

@@ -1,5 +1,6 @@
 // Reading words and lines from a stream, on its buffer directly: the formatted reads of the
 // library fail on an empty line and cut at a NUL.
+#include <array>
 #include <istream>
 
 #include "scl/SCLSTRNG.h"
@@ -23,20 +24,20 @@ class Collector {
  public:
   explicit Collector(SCL_String& target) noexcept : m_target(target) {}
   void add(char c) {
-    if (m_used == sizeof m_block) {
+    if (m_used == m_block.size()) {
       flush();
     }
     m_block[m_used++] = c;
   }
   void flush() {
-    m_target.append(std::string_view(m_block, m_used));
+    m_target.append(std::string_view(m_block.data(), m_used));
     m_used = 0;
   }
 
  private:
   SCL_String& m_target;
   std::size_t m_used = 0;
-  char m_block[1024];
+  std::array<char, 1024> m_block;
 };
 
 // Whether the delimiter that was just taken ends the line. In a file of CR LF lines a lone CR is

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <limits>
 #include <ostream>
 
 #include "gen/GENCODES.h"
@@ -12,15 +11,11 @@
 
 namespace {
 
-constexpr std::uint64_t CAPACITY_STEP = 64;
-// The largest text whose capacity, a multiple of the step, still has 32 bits.
-constexpr std::uint64_t LONGEST_TEXT = (std::uint64_t{1} << 32) - 2 * CAPACITY_STEP;
+// The largest text whose capacity, a multiple of 64, still has 32 bits.
+constexpr std::uint64_t LONGEST_TEXT =
+    (std::uint64_t{1} << 32) - std::uint64_t{2} * SCL_String::DEFAULT_CAPACITY;
 // The first memory of a string that outgrows its object.
 constexpr std::uint64_t SMALLEST_BLOCK = 64;
-
-unsigned int capacityFor(std::uint64_t size) noexcept {
-  return static_cast<unsigned int>((size + CAPACITY_STEP + 1) & ~(CAPACITY_STEP - 1));
-}
 
 int found(std::size_t at, unsigned int& p) noexcept {
   if (at == std::string_view::npos) {
@@ -105,7 +100,7 @@ SCL_String& SCL_String::appendGrowing(std::string_view text, std::uint64_t total
 
 void SCL_String::prepend(char c) {
   const unsigned int size = length();
-  if (!hasRoom(size + std::uint64_t{1})) {
+  if (!makeReady(size + std::uint64_t{1})) {
     grow(size + std::uint64_t{1});
   }
   std::memmove(buffer() + 1, buffer(), size);
@@ -181,8 +176,7 @@ void SCL_String::allocate(std::uint64_t bytes) {
     return terminate(0);
   }
   const std::uint64_t grown = m_physical + m_physical / std::uint64_t{2};
-  const std::uint64_t block = std::min<std::uint64_t>(std::max({bytes, grown, SMALLEST_BLOCK}),
-                                                      std::numeric_limits<unsigned int>::max());
+  const std::uint64_t block = std::min(std::max({bytes, grown, SMALLEST_BLOCK}), LONGEST_TEXT + 1);
   const bool onHeap = m_physical > INLINE_SIZE;
   auto* memory = static_cast<char*>(std::realloc(onHeap ? buffer() : nullptr, block));
   if (memory == nullptr) {

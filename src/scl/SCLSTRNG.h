@@ -140,17 +140,16 @@ class SCL_String : public SCL_StringRef {
   // Room for `capacity` characters; up to 64 is the default string.
   explicit SCL_String(unsigned int capacity);
   SCL_String(const char* text) : SCL_String(SCL_StringRef(text)) {}  // NOLINT: implicit on purpose
-  SCL_String(const SCL_StringRef& text) : m_capacity(0), m_physical(0) {  // NOLINT: implicit
+  SCL_String(const SCL_StringRef& text) : SCL_String(0, UNALLOCATED) {  // NOLINT: implicit
     copy(text.view());
   }
   SCL_String(const SCL_String& other) : SCL_String(static_cast<const SCL_StringRef&>(other)) {}
-  explicit SCL_String(std::string_view text) : m_capacity(0), m_physical(0) { assign(text); }
+  explicit SCL_String(std::string_view text) : SCL_String(0, UNALLOCATED) { assign(text); }
   SCL_String(SCL_String&& other) noexcept : m_capacity(0), m_physical(0) { take(other); }
   ~SCL_String() { release(); }
 
   SCL_String& operator=(const SCL_String& other) {
-    copy(other.view());
-    return *this;
+    return operator=(static_cast<const SCL_StringRef&>(other));
   }
   SCL_String& operator=(SCL_String&& other) noexcept {
     if (this != &other) {
@@ -186,7 +185,7 @@ class SCL_String : public SCL_StringRef {
   // Appends by length: a NUL in `text` stays and counts.
   SCL_String& append(std::string_view text) {
     const std::uint64_t total = static_cast<std::uint64_t>(length()) + text.size();
-    if (!hasRoom(total)) {
+    if (!makeReady(total)) {
       return appendGrowing(text, total);
     }
     text.copy(buffer() + m_length, text.size());
@@ -200,7 +199,7 @@ class SCL_String : public SCL_StringRef {
   // A NUL leaves the length as it was.
   void append(char c) {
     const unsigned int end = length();
-    if (!hasRoom(end + std::uint64_t{1})) {
+    if (!makeReady(end + std::uint64_t{1})) {
       grow(end + std::uint64_t{1});
     }
     buffer()[end] = c;
@@ -247,13 +246,27 @@ class SCL_String : public SCL_StringRef {
   }
 
   char* buffer() noexcept { return const_cast<char*>(m_text); }  // NOLINT: the buffer is ours
-  bool hasRoom(std::uint64_t size) const noexcept { return size < m_capacity && size < m_physical; }
+  // The least multiple of 64 that exceeds size + 1.
+  static constexpr unsigned int capacityFor(std::uint64_t size) noexcept {
+    return static_cast<unsigned int>((size + DEFAULT_CAPACITY + 1) &
+                                     ~std::uint64_t{DEFAULT_CAPACITY - 1});
+  }
+  // Reports a capacity for `size` characters where the memory for them is there; else false.
+  bool makeReady(std::uint64_t size) noexcept {
+    if (size >= m_physical) {
+      return false;
+    }
+    if (size >= m_capacity) {
+      m_capacity = capacityFor(size);
+    }
+    return true;
+  }
   void terminate(std::uint64_t size) noexcept {
     m_length = static_cast<unsigned int>(size);
     buffer()[m_length] = '\0';
   }
   void copy(std::string_view text) {
-    if (!hasRoom(text.size())) {
+    if (!makeReady(text.size())) {
       grow(text.size());
     }
     if (!text.empty()) {

@@ -27,7 +27,7 @@ void SCL_SubString::replace(const SCL_StringRef& text) {
   const std::uint64_t length = m_string->length();
   const std::uint64_t tail = static_cast<std::uint64_t>(m_start) + m_count;
   const std::uint64_t total = length + text.length() - m_count;
-  if (!m_string->hasRoom(total)) {
+  if (!m_string->makeReady(total)) {
     m_string->grow(total);
   }
   char* buffer = m_string->buffer();

@@ -74,11 +74,12 @@ TEST_F(AttributeList, ValuesChangeTheirTypeInTheirPlace) {
 TEST_F(AttributeList, MissingMemoryLeavesItAsItWas) {
   fill(17);
   memoryIsOut = true;
-  EXPECT_EQ(failureOf([&] { get(1)->setString("x"); }), "Null pointer in ATRATTR");
-  memoryIsOut = true;
   EXPECT_EQ(found("name[16]"), "Name[16]=16");  // there is no memory for an index
   EXPECT_FALSE(memoryIsOut);
   EXPECT_EQ(found("Name[1]"), "Name[1]=1");
+  memoryIsOut = true;
+  EXPECT_EQ(failureOf([&] { setString("x", "y"); }), "Null pointer in ATRATLST");
+  EXPECT_EQ(count(), 17);
 }
 
 TEST_F(AttributeList, RemovesByIndexAndByIdentity) {

@@ -33,6 +33,20 @@ TEST(MemoryStream, SkippedAndRegainedBytesAreZero) {
   EXPECT_EQ(contentOf(object), std::string("s\0\0\0\0x", 6));
 }
 
+TEST(MemoryStream, LargeContentStaysWhereverItsMemoryComesFrom) {
+  MemoryAccess object(std::string(5000, 'a'));
+  unsigned int status = 0;
+  std::string expected(5000, 'a');
+  for (const std::int32_t size : {3000000, 20000000, 19000000, 90000000}) {
+    object.setSize(size, status);  // what is regained is zero
+    expected.resize(static_cast<std::size_t>(size));
+    object.seek(DAC_BaseDataAccess::FROM_END, 0, status);
+    object.write(5, "bytes", status);
+    expected += "bytes";
+    ASSERT_TRUE(contentOf(object) == expected) << size;
+  }
+}
+
 TEST(MemoryStream, TakesItsOwnBytesWhileItMoves) {
   MemoryAccess object("0123456789");
   unsigned int status = 0;

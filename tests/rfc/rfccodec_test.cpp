@@ -6,6 +6,7 @@
 #include "rfc/RFCB64Da.h"
 #include "rfc/RFCQprDa.h"
 #include "rfc/Support.h"
+#include "rfc/rfcb64grp.h"
 #include "scl/Failure.h"
 
 using namespace rfctest;
@@ -107,6 +108,23 @@ TEST(Base64, FollowsTheRulesWhereverLinesEnd) {
     const std::string expected = slowBase64(text);
     EXPECT_EQ(base64(text), expected) << text;
     EXPECT_EQ(childOf<RFCB64Da>(*inBlocks(text, dice.below(5))), expected) << text;
+  }
+}
+
+// Any byte at any place of a text, so that it meets every lane of a vector.
+TEST(Base64, VectorsTakeWhatThePlainPathTakes) {
+  Dice dice(5);
+  for (unsigned int round = 0; round < 100 * 256; ++round) {
+    std::string text;
+    while (text.size() < 100) {
+      text += "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/"[dice.below(64)];
+    }
+    text[round / 256] = static_cast<char>(round % 256);
+    std::string fast(rfc::base64Room(text.size()), '\0');
+    std::string plain = fast;
+    const std::size_t taken = rfc::decodeBase64GroupsPlain(text, plain.data());
+    ASSERT_EQ(rfc::decodeBase64Groups(text, fast.data()), taken) << text;
+    ASSERT_EQ(fast.substr(0, taken / 4 * 3), plain.substr(0, taken / 4 * 3)) << text;
   }
 }
 

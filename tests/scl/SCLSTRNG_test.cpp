@@ -186,6 +186,19 @@ TEST(StringCompare, BytesAreUnsignedAndPrefixesOrderFirst) {
   EXPECT_EQ(SCL_hashNoCase("Subject"), SCL_hashNoCase("sUBJECT"));
 }
 
+// The comparison looks at eight bytes at once.
+TEST(CaseBlindText, FoldsTheLettersOnlyWhereverTheyStand) {
+  for (unsigned int i = 0; i < 12 * 256 * 256; ++i) {
+    std::string left(12, 'x');
+    std::string right = left;
+    left[i / 65536] = static_cast<char>(i % 256);
+    right[i / 65536] = static_cast<char>(i / 256 % 256);
+    const bool same = SCL_toLower(left[i / 65536]) == SCL_toLower(right[i / 65536]);
+    ASSERT_EQ(SCL_equalNoCase(std::string_view(left), right), same) << i;
+    ASSERT_EQ(SCL_hashNoCase(left) == SCL_hashNoCase(right), same) << i;
+  }
+}
+
 TEST(StringInteger, IsASignAndDigitsAfterWhiteSpace) {
   EXPECT_TRUE(SCL_isInteger(" -12") && SCL_isInteger("+7"));
   for (const char* bad : {"12 ", "-", "", " ", "+-1", "1a"}) {

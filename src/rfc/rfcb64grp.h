@@ -1,0 +1,29 @@
+// Whole groups of Base64 characters (RFC 2045 section 6.8), the fast part of the decoder.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace rfc {
+
+inline constexpr std::uint8_t B64_PAD = 64;
+inline constexpr std::uint8_t B64_SKIP = 128;  // no character of the alphabet
+
+// The value of a character, 0 to 63, or one of the two above.
+std::uint8_t base64Value(char c) noexcept;
+
+// Room that a decoding of `length` characters needs at its output: what it gives, and a little
+// behind it that is overwritten.
+constexpr std::size_t base64Room(std::size_t length) noexcept {
+  return length / 4 * 3 + 8;
+}
+
+// Decodes the groups of four at the front of `text` that are nothing but values, to `out`, which
+// has base64Room of the text. The number of characters taken; three quarters as many bytes were
+// put.
+std::size_t decodeBase64Groups(std::string_view text, char* out) noexcept;
+// The same without the processor's vector instructions.
+std::size_t decodeBase64GroupsPlain(std::string_view text, char* out) noexcept;
+
+}  // namespace rfc
