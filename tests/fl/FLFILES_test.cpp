@@ -1,8 +1,10 @@
 // Tests of deleting, copying, renaming and making directories.
 #include "fl/FLFILES.h"
 
+#include "fl/BrokenDevice.h"
 #include "fl/Folder.h"
 #include "gmock/gmock.h"
+#include "plat/Scene.h"
 
 namespace {
 
@@ -79,6 +81,28 @@ TEST_F(Files, ABareExtensionRenamesInPlaceAndNeverAnotherSpelling) {
   EXPECT_EQ(move("x.rcp", folder.path("none/")), 480U);
   EXPECT_EQ(move("x.rcp", ".old"), 0U);
   EXPECT_EQ(folder.names(), "x.old");
+}
+
+TEST_F(Files, WhatTheDeviceRefusesIsToldStepByStep) {
+  const std::string file = folder.write("a", "x");
+  EXPECT_EQ(fl::copyFile("/proc/self/mem", folder.path("copy").c_str()),
+            473U);  // it has no first byte
+  EXPECT_EQ(fl::moveFile(file.c_str(), "/proc/self/moved"), 479U);
+  const BrokenDevice broken("close", EIO);
+  EXPECT_EQ(copy("a", "closed"), 498U);
+  EXPECT_EQ(folder.read("a") + folder.read("closed"), "xx");
+}
+
+TEST_F(Files, InADirectoryThatMayNotBeChangedNothingIsMoved) {
+  folder.write("a", "x");
+  folder.setMode("", 0555);
+  scene::elsewhere([&] {
+    if (::geteuid() == 0) {
+      scene::becomeUser(65534);
+    }
+    EXPECT_EQ(move("a", folder.path("b")), 478U);
+  });
+  folder.setMode("", 0755);
 }
 
 TEST(ComposeTarget, TakesWhatTheTemplateLacksFromTheSource) {

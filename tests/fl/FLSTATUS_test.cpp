@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include "dv/DVDATTIM.h"
+#include "fl/BrokenDevice.h"
 #include "fl/Folder.h"
 #include "gmock/gmock.h"
 
@@ -66,6 +67,22 @@ TEST(Drives, APathThatDoesNotExistYetBelongsToItsParentsDrive) {
   unsigned int kind = 0;
   EXPECT_EQ(fl::freeSpace64(folder.path("new/er/file.txt").c_str(), bytes), 0U);
   EXPECT_EQ(fl::driveType("Q:\\x\\y.txt", kind), 441U);
+}
+
+TEST(Drives, WhatCannotBeAskedIsTold) {
+  const Folder folder;
+  std::filesystem::create_symlink("loop", folder.path("loop"));
+  const std::string loop = folder.path("loop/x");
+  std::uint64_t bytes = 77;
+  unsigned int kind = 77;
+  EXPECT_EQ(fl::driveType(loop.c_str(), kind), 440U);
+  EXPECT_EQ(fl::driveType("/proc/self", kind), 440U);
+  EXPECT_EQ(fl::freeSpace64(loop.c_str(), bytes), 442U);
+  for (const auto& [error, status] : {std::pair(EIO, 442U), {ENOMEDIUM, 499U}, {ENODEV, 499U}}) {
+    const BrokenDevice broken("statvfs", error);
+    EXPECT_EQ(fl::freeSpace64(folder.path().c_str(), bytes), status);
+  }
+  EXPECT_EQ(bytes + kind, 154U);
 }
 
 }  // namespace

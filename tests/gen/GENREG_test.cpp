@@ -3,6 +3,7 @@
 #include "gen/GENREG.h"
 
 #include "fl/Folder.h"
+#include "fl/FullDisk.h"
 #include "gen/GENTMP.h"
 #include "gen/Variable.h"
 #include "gmock/gmock.h"
@@ -30,7 +31,8 @@ class Registry : public testing::Test {
     return status == 0 ? std::to_string(static_cast<std::int32_t>(value))
                        : "(" + std::to_string(status) + ")";
   }
-  static void put(const char* key, const char* name, ValueType type, const std::string& data) {
+  static void put(const std::string& key, const char* name, ValueType type,
+                  const std::string& data) {
     ASSERT_EQ(plat::registryWriteValue(2, key, {name, type, data}), 0);
   }
   static unsigned int copy(const char* source, const char* target, bool recursive = true) {
@@ -106,6 +108,9 @@ TEST_F(Registry, KeysAreEnumeratedCopiedAndDeletedWithAllBeneath) {
   status = 0;
   gen::regDeleteKey(2, "B", "", "\\", status);
   EXPECT_EQ(subkeys("B") + std::to_string(status), "one 02112");
+  put("A\\" + std::string(512, 'x'), "v", ValueType::string,
+      "");  // longer than a key's name may be
+  EXPECT_EQ(subkeys("A"), "2114");
 }
 
 TEST_F(Registry, ACopyIntoItselfOrOfTooLargeAValueIsRefused) {
@@ -135,6 +140,17 @@ TEST_F(Registry, AStoreThatCannotBeUsedIsAKeyThatCannotBeMade) {
   unsigned int status = 0;
   gen::regWriteNumber(2, "K", "", "n", 1, status);
   EXPECT_EQ(status, 2110U);
+}
+
+TEST_F(Registry, OnAFullDiskTheEarlierValueStays) {
+  put("K", "v", ValueType::string, "1");
+  unsigned int status = 0;
+  {
+    const FullDisk full(std::filesystem::file_size(folder.path("registry.db")));
+    gen::regWriteString(2, "K", "", "v", std::string(100000, 'x').c_str(), status);
+  }
+  EXPECT_EQ(status, 2115U);
+  EXPECT_EQ(text("K", "", "v"), "1");
 }
 
 class TemporaryNames : public Registry {

@@ -110,6 +110,8 @@ TEST_F(Configuration, UnreachableAndInvalidDirectoriesDiffer) {
   writeFile(here + "file", "");
   EXPECT_EQ(checked(here + "file", out()),
             "11959" + office + "Source directory \"" + here + "file\\\" invalid.\n");
+  EXPECT_EQ(checked(here + "gone", out()),
+            "11957" + office + "Cannot access source directory \"" + here + "gone\\\".\n");
   EXPECT_EQ(checked(in(), here + "gone"),
             "11958" + office + "Cannot access destination directory \"" + here + "gone\\\".\n");
   EXPECT_EQ(checked(in(), here + "o*t"),

@@ -11,6 +11,7 @@
 #include "gen/GENWNT.h"
 #include "krx/Support.h"
 #include "krx/krxmaddr.h"
+#include "krx/krxspool.h"
 #include "plat/PlatClock.h"
 #include "plat/PlatLock.h"
 #include "plat/PlatPath.h"
@@ -129,6 +130,7 @@ TEST_F(Fetch, ALockedDirectoryIsWaitedForAndIsNoError) {
     ASSERT_TRUE(lock.held);
     EXPECT_EQ(nextName(), "none");
     EXPECT_EQ(m_clock.monotonicMilliseconds(), 49 * 2000);
+    EXPECT_EQ(KRX_DirectoryLock(in().c_str()).status(), 11973U);
   }
   EXPECT_EQ(nextName(), "A");
 }
@@ -140,6 +142,16 @@ TEST_F(Fetch, APairThatCannotBeLoadedComesWithItsStatusAndGoes) {
   EXPECT_EQ(status, 11981U);
   EXPECT_THAT(takeLog(), ElementsAre("11:1 Message A.RCP could not be loaded, status 11981."));
   EXPECT_THAT(filesIn(in()), IsEmpty());
+}
+
+TEST_F(Fetch, AFileThatIsGoneWhenThePairIsLoadedIsTold) {
+  const auto message = fetched(PLAIN);
+  for (const auto& [name, wanted] : {std::pair("M.MSG", 11969U), {"M.RCP", 11968U}}) {
+    fs::remove(native(in() + name));
+    unsigned int status = 0;
+    message->loadMessage(status);
+    EXPECT_EQ(status, wanted);
+  }
 }
 
 TEST_F(Fetch, APairThatCannotBeRemovedIsNotFetchedAgain) {

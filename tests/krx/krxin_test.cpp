@@ -1,7 +1,9 @@
 // The message file on its way in.
 #include "dac/DACBASDA.h"
 #include "dv/DVDATE.h"
+#include "gen/Variable.h"
 #include "krx/Support.h"
+#include "plat/PlatPath.h"
 
 namespace krxtest {
 namespace {
@@ -151,6 +153,15 @@ TEST_F(Inbound, TooManyPreambleLinesAreCutAndTold) {
   EXPECT_EQ(message->headers().findByType(gma::PREAMBLE)->value().count(), 65535);
   EXPECT_EQ(content(*message->getBody()), "text\r\n");
   EXPECT_EQ(takeLogText(), "11:1 Too many preamble lines, the rest is left out.\n");
+}
+
+TEST_F(Inbound, APartWithoutATemporaryNameHasNoFile) {
+  const auto message = fetched("\nx\n");
+  const Variable noRunDirectory("KRX_RUN_DIR", plat::toNative(in() + "M.MSG"));
+  char name[260];
+  unsigned int status = 0;
+  message->getBody()->getFileName(sizeof name, name, status);
+  EXPECT_EQ(status, 10027U);
 }
 
 TEST_F(Inbound, TheDateIsReadFromItsField) {

@@ -2,6 +2,8 @@
 #include "log/LOGFilSt.h"
 
 #include "dac/DACMEMDA.h"
+#include "fl/BrokenDevice.h"
+#include "fl/FullDisk.h"
 #include "log/Support.h"
 #include "scl/Failure.h"
 
@@ -36,6 +38,11 @@ class FileStream : public LogTest {
     stream.readLog(target, status);
     return shown(std::string(target.window(0)));
   }
+  unsigned copied(const std::string& target) {
+    unsigned status = 0;
+    stream.copyLogToFile(target.c_str(), status);
+    return status;
+  }
   void object(std::string_view bytes, bool raw) {
     DAC_MemoryDataAccess data;
     unsigned status = 0;
@@ -52,6 +59,8 @@ TEST_F(FileStream, BadKeysAreRefused) {
   EXPECT_EQ(set(stream, "FileRootName", folder.path("none/LOG%s.TXT")), 10629U);
   EXPECT_EQ(set(stream, "FileRootName", folder.path("LOG*.TXT")), 122U);
   EXPECT_EQ(set(stream, "FileRootName", folder.path()), 124U);
+  EXPECT_EQ(set(stream, "FileRootName", "/dev/full"), 124U);
+  EXPECT_EQ(set(stream, "FileRootName", " "), 125U);
   EXPECT_EQ(make("UserFile", "", "Date"), 10625U);
 }
 
@@ -73,17 +82,34 @@ TEST_F(FileStream, EntriesAreAppendedAlsoAfterACopyAndAnotherStreams) {
   EXPECT_EQ(content(), read(name));
 }
 
-TEST_F(FileStream, EachDayHasItsFileAlsoALeapDayAndWhenTheClockIsSetBack) {
+TEST_F(FileStream, EachDayOfAWeekHasItsFileAlsoALeapDayAndWhenTheClockIsSetBack) {
   make("UserFile", "%s", "Date");
   EXPECT_EQ(filesAfter(0), "240228");
   EXPECT_EQ(filesAfter(9 * HOUR), "240228");  // 23:05:09
   EXPECT_EQ(filesAfter(HOUR), "240228 240229");
   EXPECT_EQ(read("240229"),
             "00:05:09.27 (LOG:001) Log file opened on 29-Feb-2024\n00:05:09.27 (KRX:001) x\n");
+  for (int day = 0; day < 5; ++day) {
+    filesAfter(24 * HOUR);
+  }
   clock.set(START);
-  EXPECT_EQ(filesAfter(0), "240228 240229");
+  EXPECT_EQ(filesAfter(0), "240228 240229 240301 240302 240303 240304 240305");
   EXPECT_EQ(read("240228"),
             std::string(OPENED) + AT + "x\n23:05:09.27 (KRX:001) x\n" + OPENED + AT + "x\n");
+}
+
+TEST_F(FileStream, TheDayIsTheLocalOneThroughBothChangesOfSummerTime) {
+  setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+  tzset();
+  make("UserFile", "%s", "Date");
+  clock.set({1711839540, 0});  // 30 March 2024, 23:59 CET; the next day has 23 hours
+  EXPECT_EQ(filesAfter(0), "240330");
+  EXPECT_EQ(filesAfter(23 * HOUR), "240330 240331");  // 23:59 CEST
+  EXPECT_EQ(filesAfter(HOUR / 60), "240330 240331 240401");
+  clock.set({1729979940, 0});  // 26 October 2024, 23:59 CEST; the next day has 25 hours
+  EXPECT_EQ(filesAfter(0), "240330 240331 240401 241026");
+  EXPECT_EQ(filesAfter(25 * HOUR), "240330 240331 240401 241026 241027");  // 23:59 CET
+  EXPECT_EQ(filesAfter(HOUR / 60), "240330 240331 240401 241026 241027 241028");
 }
 
 TEST_F(FileStream, NumberedFilesGoOnBehindTheHighestAndLeaveOutZero) {
@@ -91,6 +117,7 @@ TEST_F(FileStream, NumberedFilesGoOnBehindTheHighestAndLeaveOutZero) {
   make("UserFile", "LOG%u", "NumericSeq");
   folder.write("LOG10", "somebody else's");
   EXPECT_EQ(filesAfter(0), "LOG10 LOG11 LOG9");
+  EXPECT_EQ(filesAfter(24 * HOUR), "LOG10 LOG11 LOG9");  // another day is no other number
   EXPECT_EQ(read("LOG10"), "somebody else's");
   close(false);
   folder.write("LOG4294967295", "");
@@ -138,6 +165,33 @@ TEST_F(FileStream, AFailedOpenIsTriedAgainOnceASecond) {
   EXPECT_EQ(folder.names("logs"), "");
   filesAfter(1);
   EXPECT_EQ(folder.names("logs"), "1");
+}
+
+TEST_F(FileStream, AFullDiskDropsEntriesUntilThereIsRoomAgain) {
+  make("UserFile", "full", "");
+  entry("one");
+  {
+    const FullDisk full(std::filesystem::file_size(folder.path("full")));
+    entry("lost");
+    object("lost too", true);
+  }
+  entry("two");
+  EXPECT_EQ(read("full"), std::string(OPENED) + AT + "one\n" + AT + "two\n");
+}
+
+TEST_F(FileStream, ACopyThatFailsIsToldAndTheLogGoesOn) {
+  make("UserFile", "log", "");
+  entry("one");
+  EXPECT_EQ(copied(folder.path("none/copy")), 490U);
+  for (const auto& [call, error, status] : {std::tuple("pwrite", ENOSPC, 444U),
+                                            {"pwrite", EIO, 472U},
+                                            {"fsync", EIO, 452U},
+                                            {"close", EIO, 498U}}) {
+    const BrokenDevice broken(call, error);
+    EXPECT_EQ(copied(folder.path("copy")), status);
+  }
+  entry("two");
+  EXPECT_EQ(read("log"), std::string(OPENED) + AT + "one\n" + AT + "two\n");
 }
 
 TEST_F(FileStream, WithoutRootOnlyAnExplicitOpenAsserts) {

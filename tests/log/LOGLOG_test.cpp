@@ -1,6 +1,8 @@
 // The log: which streams an entry reaches, and what its operations answer.
 #include "log/LOGLOG.h"
 
+#include <algorithm>
+#include <sstream>
 #include <thread>
 
 #include "dac/DACMEMDA.h"
@@ -95,6 +97,39 @@ TEST_F(Logging, AThrowReachesNeitherOtherStreamsNorTheWriterAndLeavesTheLockFree
   EXPECT_EQ(failureOf([&] { answers(1); }), "Null pointer in TEST");
   std::thread([&] { log.writeText(3, 11, 1, "entry"); }).join();
   EXPECT_EQ(taken(), "good 1 entry\n");
+}
+
+TEST_F(Logging, EntriesOfEightThreadsComeWholeAndOnce) {
+  constexpr unsigned THREADS = 8;
+  constexpr unsigned ENTRIES = 100;
+  auto stream = std::make_unique<LOG_FileStream>("s");
+  make(*stream, "UserFile", "log", "");
+  unsigned status = 0;
+  log.attach(0, std::move(stream), status);
+  std::vector<std::thread> writers;
+  std::vector<std::string> wanted = {"14:05:09.27 (LOG:001) Log file opened on 28-Feb-2024"};
+  for (unsigned thread = 0; thread < THREADS; ++thread) {
+    writers.emplace_back([this, thread] {
+      for (unsigned entry = 0; entry < ENTRIES; ++entry) {
+        log.writeText(1, 11, 1, "%u of %u", entry, thread);
+      }
+    });
+    for (unsigned entry = 0; entry < ENTRIES; ++entry) {
+      wanted.push_back("14:05:09.27 (KRX:001) " + std::to_string(entry) + " of " +
+                       std::to_string(thread));
+    }
+  }
+  for (std::thread& writer : writers) {
+    writer.join();
+  }
+  std::vector<std::string> lines;
+  std::istringstream file(read("log"));
+  for (std::string line; std::getline(file, line);) {
+    lines.push_back(line);
+  }
+  std::sort(lines.begin(), lines.end());
+  std::sort(wanted.begin(), wanted.end());
+  EXPECT_EQ(lines, wanted);
 }
 
 TEST_F(Logging, OperationsTellWhenNothingIsSelectedAndStopAtAFailure) {

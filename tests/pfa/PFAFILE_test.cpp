@@ -113,6 +113,11 @@ TEST_F(ProfileFile, WithoutAFreeWorkingNameNothingIsTouched) {
   EXPECT_EQ(folder.read("a.ini"), "[S]\nA=1\n");
 }
 
+TEST_F(ProfileFile, AFileThatCannotBeReadIsNoEmptyProfile) {
+  const PFA_Profile profile("/proc/self/mem");  // which has no first byte
+  EXPECT_EQ(profile.openStatus(), 1826U);
+}
+
 TEST_F(ProfileFile, AFailedReadGivesTheNameBack) {
   PFA_Profile profile;
   EXPECT_EQ(openWritable(profile, "[S\n"), 1827U);

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 
 #include "plat/Scene.h"
@@ -73,6 +74,16 @@ TEST_F(PlatEventLog, SyslogGetsOneLineWhereThereIsNoJournal) {
   EXPECT_TRUE(plat::reportEvent(event("two\r\nlines")));
   EXPECT_THAT(syslog.received(), testing::MatchesRegex("<19>... .. ..:..:.. QDX.EXE.[0-9]*.: event "
                                                        "0xC0000020 category 7: two  lines"));
+}
+
+TEST_F(PlatEventLog, WhereNothingTakesItTheEventIsDropped) {
+  EXPECT_FALSE(plat::reportEvent(event("x"))) << "nobody listens";
+  EXPECT_EQ(::mkfifo(at("fifo").c_str(), 0600), 0);
+  for (const std::string& place :
+       {at("none/events"), path(), at("fifo"), std::string("/dev/full")}) {
+    const scene::Environment file("KRX_EVENTLOG", place);
+    EXPECT_FALSE(plat::reportEvent(event("x"))) << place;
+  }
 }
 
 TEST_F(PlatEventLog, DaemonThatDoesNotReadCostsTheEventNotTheMail) {

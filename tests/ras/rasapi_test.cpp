@@ -113,6 +113,8 @@ TEST_F(Service, ABadLineSpoilsItsEntryAlone) {
   EXPECT_EQ(dial("isp"), 625U);
   phonebook("[isp\n");
   EXPECT_EQ(get("isp"), 622U);
+  std::filesystem::remove(m_dialler.phonebook());
+  EXPECT_EQ(get("isp"), 621U);
 }
 
 TEST_F(Service, PppdGetsUserIdleTimeAndLinkNameButNoPassword) {
@@ -165,8 +167,14 @@ TEST_F(Service, ExitCodesBecomeErrorsWithTexts) {
   phonebook("[isp]\n" + pidLine());
   const auto text = operation<RasGetErrorStringFunction>("RasGetErrorStringA");
   char buffer[RAS_ERROR_TEXT_SIZE];
-  for (const auto& [code, error] :
-       {std::pair{"6", 633U}, {"16", 629U}, {"19", 691U}, {"1", 635U}}) {
+  for (const auto& [code, error] : {std::pair{"5", 631U},
+                                    {"6", 633U},
+                                    {"7", 608U},
+                                    {"12", 628U},
+                                    {"15", 721U},
+                                    {"16", 629U},
+                                    {"19", 691U},
+                                    {"1", 635U}}) {
     m_dialler.write("plan", code);
     EXPECT_EQ(dial("isp"), error);
     EXPECT_EQ(text(error, buffer, sizeof buffer), 0U);

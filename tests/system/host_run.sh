@@ -36,4 +36,19 @@ put "$spool/office/in" BAD01 "" $'no field here'
 put "$spool/office/in" BAD02 $'Subject: other\n\nx\n.' $'Return-path: <>\nRecipient: a@b'
 expect_status 0 "$krxhost" run --config "$spool/example.ini" --once
 expect_files "$spool/office/in/QDXRECVR" BAD01.{MSG,RCP,txt} BAD02.{MSG,RCP,txt} BAD02-1.{MSG,RCP,txt}
+
+# A log disk without room costs lines, not mail. The disk is there for this one process.
+put "$spool/office/in" FULL01
+private="unshare -m"
+[ "$(id -u)" -eq 0 ] || private="unshare -rm"
+with_full_log() { # COMMAND...
+  $private sh -c 'mount -t tmpfs -o size=64k none "$0" && { cat /dev/zero >"$0/full"; exec "$@"; }' \
+    "$spool/log" "$@"
+}
+if with_full_log true 2>/dev/null; then
+  expect_status 0 with_full_log timeout 60 "$krxhost" run --config "$spool/example.ini" --once
+  expect_output "fetched 1, delivered 1, kept 0, failed 0"
+else
+  echo "not shown here: a full log disk, because a mount is refused"
+fi
 finish
