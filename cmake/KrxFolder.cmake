@@ -37,8 +37,14 @@ function(krx_test name)
   target_link_libraries(test_${name} PRIVATE krx_build_flags ${ARG_LIBRARIES}
                                              GTest::gmock GTest::gtest_main)
   target_compile_options(test_${name} PRIVATE -O0 -U_FORTIFY_SOURCE)
-  target_precompile_headers(test_${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <filesystem>
-                                                 <fstream> <sstream> <string> <vector>)
+  get_property(first GLOBAL PROPERTY KRX_FIRST_TEST)
+  if(first)
+    target_precompile_headers(test_${name} REUSE_FROM ${first})
+  else()
+    set_property(GLOBAL PROPERTY KRX_FIRST_TEST test_${name})
+    target_precompile_headers(test_${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <filesystem>
+                                                   <fstream> <sstream> <string> <vector>)
+  endif()
   gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST
                        PROPERTIES TIMEOUT 120)
 endfunction()

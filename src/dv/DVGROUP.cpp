@@ -20,8 +20,9 @@ bool canRepeat(char modifier) noexcept {
   return modifier == '+' || modifier == '*';
 }
 
+// Alternatives are counted from 1; 0 is none and has no bit.
 std::uint32_t maskBit(unsigned int index) noexcept {
-  return std::uint32_t{1} << (index - 1);
+  return static_cast<std::uint32_t>((std::uint64_t{1} << index) >> 1);
 }
 
 // Whether a "#" group has taken this alternative already, or could not tell that it did.

@@ -73,7 +73,7 @@ void GMA_Message::setItemData(std::uint16_t index, DAC_BaseDataAccess* data) {
 void GMA_Message::addItem(DAC_BaseDataAccess* data, bool original) {
   std::unique_ptr<DAC_BaseDataAccess> owned(data);
   auto item = GENMake<GMA_Item>("GMAMSG", __LINE__, data, original);
-  owned.release();
+  static_cast<void>(owned.release());  // the item's now
   m_items.append(std::move(item));
 }
 

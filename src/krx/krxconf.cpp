@@ -26,26 +26,26 @@ constexpr int INVALID = -1;
 struct KRX_PostOffice::StringDirective {
   const char* name;
   SCL_String KRX_PostOffice::*field;
-  unsigned int twice;
   const char* twiceWhat;  // "duplicate specification of <what>."
-  unsigned int tooLong;   // 0: no limit of its own
   const char* tooLongWhat;
+  unsigned int twice;
+  unsigned int tooLong;  // 0: no limit of its own
 };
 
 void KRX_PostOffice::configDirective(const SCL_StringRef& name, const SCL_StringRef& value,
                                      unsigned int& status) {
   static constexpr StringDirective STRINGS[] = {
-      {"SourceDir", &KRX_PostOffice::m_src_dir, KRX_SOURCE_TWICE, "source directory", 0, nullptr},
-      {"DestDir", &KRX_PostOffice::m_dst_dir, KRX_DEST_TWICE, "destination directory", 0, nullptr},
-      {"MailDomain", &KRX_PostOffice::m_dflt_domain, KRX_DOMAIN_TWICE, "mail domain", 0, nullptr},
-      {"ContainerClass", &KRX_PostOffice::m_container_class, KRX_CONTAINER_CLASS, "ContainerClass",
-       0, nullptr},
-      {"RasPhoneBookEntry", &KRX_PostOffice::m_ras_entry, KRX_ENTRY_TWICE, "RasPhoneBookEntry",
-       KRX_ENTRY_LENGTH, "RasPhoneBookEntry name"},
-      {"RasUserName", &KRX_PostOffice::m_ras_user, KRX_USER_TWICE, "RasUserName", KRX_USER_LENGTH,
-       "RasUserName"},
-      {"RasPassword", &KRX_PostOffice::m_ras_password, KRX_PASSWORD_TWICE, "RasPassword",
-       KRX_PASSWORD_LENGTH, "RasPassword"},
+      {"SourceDir", &KRX_PostOffice::m_src_dir, "source directory", nullptr, KRX_SOURCE_TWICE, 0},
+      {"DestDir", &KRX_PostOffice::m_dst_dir, "destination directory", nullptr, KRX_DEST_TWICE, 0},
+      {"MailDomain", &KRX_PostOffice::m_dflt_domain, "mail domain", nullptr, KRX_DOMAIN_TWICE, 0},
+      {"ContainerClass", &KRX_PostOffice::m_container_class, "ContainerClass", nullptr,
+       KRX_CONTAINER_CLASS, 0},
+      {"RasPhoneBookEntry", &KRX_PostOffice::m_ras_entry, "RasPhoneBookEntry",
+       "RasPhoneBookEntry name", KRX_ENTRY_TWICE, KRX_ENTRY_LENGTH},
+      {"RasUserName", &KRX_PostOffice::m_ras_user, "RasUserName", "RasUserName", KRX_USER_TWICE,
+       KRX_USER_LENGTH},
+      {"RasPassword", &KRX_PostOffice::m_ras_password, "RasPassword", "RasPassword",
+       KRX_PASSWORD_TWICE, KRX_PASSWORD_LENGTH},
   };
   if (status != 0) {
     return;

@@ -46,16 +46,17 @@ void failBinding(const char* message, unsigned int& status) {
 }
 
 // Dial parameters that leave no password behind; the compiler may not drop writes to volatile.
-struct Parameters : RasDialParameters {
-  Parameters() noexcept : RasDialParameters{} { size = sizeof(RasDialParameters); }
+struct Parameters {
+  Parameters() noexcept { fields.size = sizeof fields; }
   Parameters(const Parameters&) = delete;
   Parameters& operator=(const Parameters&) = delete;
   ~Parameters() {
-    volatile char* const secret = password;
-    for (std::size_t i = 0; i < sizeof password; ++i) {
+    volatile char* const secret = fields.password;
+    for (std::size_t i = 0; i < sizeof fields.password; ++i) {
       secret[i] = '\0';
     }
   }
+  RasDialParameters fields{};
 };
 
 }  // namespace
@@ -121,7 +122,7 @@ void KRX_RasLine::adopt() {
   connections[0].size = sizeof connections[0];
   std::uint32_t size = sizeof connections;
   std::uint32_t count = 0;
-  if (const std::uint32_t error = m_api.enumConnections(connections, &size, &count); error != 0) {
+  if (const auto error = m_api.enumConnections(connections, &size, &count); error != 0) {
     report(error, "RasEnumConnections");
     return;
   }
@@ -137,11 +138,11 @@ void KRX_RasLine::adopt() {
 // The pause also follows the last failure: the line, or the other side, is given time to settle.
 void KRX_RasLine::dial() {
   Parameters parameters;
-  KRX_setRasText(parameters.entryName, m_settings.entry);
-  KRX_setRasText(parameters.userName, m_settings.user);
-  KRX_setRasText(parameters.password, m_settings.password);
+  KRX_setRasText(parameters.fields.entryName, m_settings.entry);
+  KRX_setRasText(parameters.fields.userName, m_settings.user);
+  KRX_setRasText(parameters.fields.password, m_settings.password);
   for (std::uint32_t attempt = 0; attempt < m_settings.retryCount; ++attempt) {
-    if (dialOnce(parameters)) {
+    if (dialOnce(parameters.fields)) {
       return;
     }
     plat::sleepMilliseconds(m_settings.retryDelay * 1000);
@@ -149,7 +150,7 @@ void KRX_RasLine::dial() {
 }
 
 bool KRX_RasLine::dialOnce(const RasDialParameters& parameters) {
-  const std::uint32_t error = m_api.dial(nullptr, nullptr, &parameters, 0, nullptr, &m_connection);
+  const auto error = m_api.dial(nullptr, nullptr, &parameters, 0, nullptr, &m_connection);
   if (error == 0) {
     return true;
   }

@@ -107,7 +107,7 @@ std::uint32_t KRX_RasLine::readEntry(RasEntryBuffer& buffer, std::uint32_t& size
   buffer = {};
   buffer.entry.size = sizeof buffer.entry;
   size = sizeof buffer;
-  const std::uint32_t error = m_api.getEntryProperties(
+  const auto error = m_api.getEntryProperties(
       nullptr, m_settings.entry.c_str(), &buffer.entry, &size, deviceInfo, deviceInfoSize);
   size = std::clamp<std::uint32_t>(size, sizeof buffer.entry, sizeof buffer);
   if (deviceInfoSize != nullptr) {
@@ -145,7 +145,7 @@ void KRX_RasLine::listEntry(const RasEntryBuffer& buffer, std::uint32_t size,
 void KRX_RasLine::writeIdleTime(RasEntryBuffer& buffer, unsigned int& status) {
   buffer.entry.idleDisconnectSeconds = m_settings.idleTime;
   buffer.entry.alternateOffset = 0;
-  if (const std::uint32_t error = m_api.setEntryProperties(
+  if (const auto error = m_api.setEntryProperties(
           nullptr, m_settings.entry.c_str(), &buffer.entry, sizeof buffer.entry, nullptr, 0);
       error != 0) {
     status = KRX_ENTRY_WRITE;

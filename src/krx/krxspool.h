@@ -56,7 +56,7 @@ class KRX_StuckPairs {
 class KRX_FileGuard {
  public:
   KRX_FileGuard() noexcept = default;
-  explicit KRX_FileGuard(SCL_String path) noexcept : m_path(std::move(path)) {}
+  explicit KRX_FileGuard(SCL_String&& path) noexcept : m_path(std::move(path)) {}
   KRX_FileGuard(KRX_FileGuard&& other) noexcept;
   KRX_FileGuard(const KRX_FileGuard&) = delete;
   KRX_FileGuard& operator=(const KRX_FileGuard&) = delete;

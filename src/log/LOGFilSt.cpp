@@ -61,7 +61,10 @@ std::unique_ptr<DAC_FileDataAccess> openLogFile(const SCL_StringRef& name, unsig
   auto file = GENMake<DAC_FileDataAccess>("LOGFilSt", __LINE__, name,
                                           DAC_FileDataAccess::CREATE | DAC_FileDataAccess::LOG_FILE,
                                           status);
-  return status == 0 ? std::move(file) : nullptr;
+  if (status != 0) {
+    file.reset();
+  }
+  return file;
 }
 
 }  // namespace

@@ -187,10 +187,11 @@ std::string syslogDatagram(const Event& event) {
 int sendDatagram(const char* socketPath, const std::string& datagram) {
   struct sockaddr_un address {};
   address.sun_family = AF_UNIX;
-  if (std::strlen(socketPath) >= sizeof address.sun_path) {
+  const std::size_t length = std::strlen(socketPath);
+  if (length >= sizeof address.sun_path) {
     return ENAMETOOLONG;
   }
-  std::strcpy(address.sun_path, socketPath);
+  std::memcpy(address.sun_path, socketPath, length);
   const Descriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
   if (!socket.isOpen()) {
     return errno;

@@ -56,7 +56,7 @@ std::string findLibrary(std::string_view name) {
   if (dialUp != nullptr && equalsIgnoringCase(name, "RASAPI32.DLL")) {
     return toNative(dialUp);
   }
-  const std::string file = libraryFile(toNative(name));
+  std::string file = libraryFile(toNative(name));
   if (file.empty() || file.find('/') != std::string::npos) {
     return file;
   }

@@ -24,7 +24,7 @@ namespace {
 constexpr std::int64_t QUIET_MILLISECONDS = 2000;
 // The clocks of a network differ by minutes, by an hour where one of them missed summer time. A
 // file from farther in the future was stamped wrongly, and must not count as in use until then.
-constexpr std::int64_t FUTURE_MILLISECONDS = 2 * 3600 * 1000;
+constexpr std::int64_t FUTURE_MILLISECONDS = std::int64_t{2} * 3600 * 1000;
 
 // Takes a lease and gives it back at once. Somebody who opens the file in that moment makes the
 // kernel tell us by a signal: SIGIO, the default, would end the host, SIGURG is ignored by default.
