@@ -82,12 +82,12 @@ void PostOffices::add(const Module& module, PFA_Profile& profile, const std::str
   plat::clearFailure();
   const auto failure = GENCatch([&] { made.object->configure(profile, status); });
   if (failure || status != 0) {
-    throw Error(configuration, "Post office \"" + name + "\" cannot be configured, " +
-                                   (failure ? *failure : "status " + std::to_string(status)) +
-                                   (plat::lastFailure().error == 0
-                                        ? ""
-                                        : ", " + plat::errorText(plat::lastFailure().error)) +
-                                   ".");
+    const plat::Failure& last = plat::lastFailure();
+    throw Error(configuration,
+                "Post office \"" + name + "\" cannot be configured, " +
+                    (failure ? *failure : "status " + std::to_string(status)) +
+                    (last.error == 0 ? "" : ", " + last.path + ": " + plat::errorText(last.error)) +
+                    ".");
   }
   m_postOffices.push_back(std::move(made));
 }

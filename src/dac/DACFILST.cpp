@@ -247,7 +247,7 @@ std::string_view DAC_FileStream::fetch(std::int64_t position, unsigned int& stat
 
 // Makes the buffer hold `bytes`, or all that it may; what is in it stays.
 bool DAC_FileStream::haveBuffer(std::int64_t bytes, unsigned int& status) noexcept {
-  std::size_t capacity = LEAST_BUFFER_SIZE;
+  std::size_t capacity = m_readOnly ? LEAST_READ_BUFFER : LEAST_BUFFER_SIZE;
   while (capacity < BUFFER_SIZE && static_cast<std::int64_t>(capacity) < bytes) {
     capacity *= 2;
   }

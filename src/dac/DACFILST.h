@@ -1,9 +1,9 @@
 // DAC_FileStream: content in a file. An existing file is opened for reading and appending (every
 // write lands at its end), a created one for reading and writing. Reads go through a window of
 // up to 64 KiB that is filled again at its end, so that growth by others is seen; a file that was
-// opened for reading only ends where it ended at the open, or when size() was asked last. Writes
-// are gathered and handed on to the system at flush, size, any read and close. A flush is not a
-// commit to the disk. The destructor closes; close() and commit() tell what it cannot.
+// opened for reading only has the size and the end that it had at the open. Writes are gathered and
+// handed on to the system at flush, size, any read and close. A flush is not a commit to the disk.
+// The destructor closes; close() and commit() tell what it cannot.
 //
 // Failures: 10020 the position or size cannot be had (also of a stream that is not open, and of a
 // file that has grown past 2,147,483,647 bytes), 10021 reading, 10022 writing, also of what was
@@ -61,6 +61,7 @@ class DAC_FileStream : public DAC_Stream {
  private:
   static constexpr std::size_t BUFFER_SIZE = 65536;
   static constexpr std::size_t LEAST_BUFFER_SIZE = 4096;  // mails are small and come by thousands
+  static constexpr std::size_t LEAST_READ_BUFFER = 512;   // envelopes are smaller still
   struct Free {
     void operator()(char* buffer) const noexcept { std::free(buffer); }
   };

@@ -13,12 +13,33 @@ int sign(bool less) noexcept {
 
 constexpr std::size_t WORD = sizeof(std::uint64_t);
 
+template <class Word>
+std::uint64_t load(const char* text) noexcept {
+  Word word = 0;
+  std::memcpy(&word, text, sizeof word);
+  return word;
+}
+
+// One to eight characters as a number, another one for each text of that length; pieces may
+// overlap.
+std::uint64_t loadUpToWord(const char* text, std::size_t count) noexcept {
+  if (count == WORD) {
+    return load<std::uint64_t>(text);
+  }
+  if (count >= 4) {
+    return load<std::uint32_t>(text) | load<std::uint32_t>(text + count - 4) << 32U;
+  }
+  if (count >= 2) {
+    return load<std::uint16_t>(text) | load<std::uint16_t>(text + count - 2) << 16U;
+  }
+  return load<std::uint8_t>(text);
+}
+
 // Up to eight characters with the letters A to Z made small, all at once.
 std::uint64_t foldedWord(const char* text, std::size_t count) noexcept {
   constexpr std::uint64_t EACH = 0x0101010101010101U;
   constexpr std::uint64_t LOW_BITS = 0x7F * EACH;
-  std::uint64_t word = 0;
-  std::memcpy(&word, text, count);
+  const std::uint64_t word = loadUpToWord(text, count);
   // The top bit of each byte tells whether its other bits are at least 'A', or above 'Z'.
   const std::uint64_t notBelow = (word & LOW_BITS) + (0x80 - 'A') * EACH;
   const std::uint64_t above = (word & LOW_BITS) + (0x7F - 'Z') * EACH;

@@ -157,6 +157,10 @@ TEST_F(FileTest, GrowthByOthersIsSeenAtTheEndOfTheWindow) {
   EXPECT_EQ(linesOf(file, 9), "abc/0@4 /10016@4 ");
   std::ofstream(path("f"), std::ios::app) << "de";
   EXPECT_EQ(linesOf(file, 9), "de/0@6 /10016@6 ");
+  File asOpened(path("f").c_str(), File::READ_ONLY, m_status);
+  std::ofstream(path("f"), std::ios::app) << "fg";
+  EXPECT_EQ(asOpened.size(m_status), 6);
+  EXPECT_EQ(contentOf(asOpened), "abc\nde");
 }
 
 TEST_F(FileTest, BlocksOfAllSizesComeBackInOrder) {
