@@ -1,122 +1,83 @@
-// Lists waiting pairs. The envelopes are read as the connector reads them, nothing is locked and
-// nothing changed: a pair that goes away meanwhile is left out.
+// Lists what waits, what is kept, and what a crash has left, as text or JSON.
 #include "host/List.h"
 
 #include <cstdio>
-#include <optional>
 
-#include "dac/DACFILDA.h"
-#include "dv/DVPATH.h"
-#include "fl/FLSEARCH.h"
-#include "fl/FLSTATUS.h"
 #include "host/Exit.h"
 #include "host/Json.h"
 #include "host/PostOffices.h"
 #include "host/Quarantine.h"
-#include "plat/PlatClock.h"
-#include "plat/PlatFile.h"
-#include "rfc/rfcread.h"
+#include "host/Receiver.h"
+#include "host/Waiting.h"
 
 namespace host {
 namespace {
 
-struct Pair {
-  std::string envelope;  // name without directory
-  std::int64_t size = 0;
-  std::int64_t age = 0;  // seconds
-  std::string sender;
-  std::vector<std::string> recipients;
-};
-
-void readEnvelope(const std::string& path, Pair& pair) {
-  unsigned int status = 0;
-  DAC_FileDataAccess file(path.c_str(), DAC_FileDataAccess::READ_ONLY | DAC_FileDataAccess::SPOOL,
-                          status);
-  SCL_String name;
-  SCL_StringTable lines;
-  while (status == 0 && rfc_read_field_default(file, name, lines, status) != 0) {
-    const bool isSender = SCL_equalNoCase(name, "Return-path");
-    if (!isSender && !SCL_equalNoCase(name, "Recipient")) {
-      continue;
-    }
-    SCL_String text = rfc_unfold(lines);
-    text.trim();
-    if (text.isEmpty()) {
-      continue;
-    }
-    if (isSender) {
-      pair.sender = text.c_str();
-    } else {
-      pair.recipients.emplace_back(text.c_str());
-    }
+// Mail may have put anything into a name or an address; a terminal obeys control characters.
+void appendText(std::string& line, std::string_view text) {
+  for (const char c : text) {
+    line += SCL_isControl(c) ? ' ' : c;
   }
 }
 
-std::optional<Pair> examine(const std::string& path) {
-  Pair pair;
-  plat::FileStatus envelope;
-  plat::FileStatus message;
-  const std::string base = path.substr(0, path.size() - 4);
-  const bool lower = path.back() == 'p';
-  if (plat::status(path, envelope, false) != 0 || envelope.kind != plat::Kind::regular ||
-      plat::status(base + (lower ? ".msg" : ".MSG"), message, false, true) != 0 ||
-      message.kind != plat::Kind::regular) {
-    return std::nullopt;
-  }
-  pair.envelope = path.substr(path.find_last_of("\\/") + 1);
-  pair.size = envelope.size + message.size;
-  pair.age = std::max<std::int64_t>(plat::now().seconds - message.modifiedSeconds, 0);
-  readEnvelope(path, pair);
-  return pair;
+std::string printable(std::string_view text) {
+  std::string line;
+  appendText(line, text);
+  return line;
 }
 
-// Calls `visit` with each waiting pair of the directory.
-template <class Visitor>
-void walk(const std::string& directory, Visitor visit) {
-  FL_Search search;
-  search.startSearch((withSeparator(directory) + "*.RCP").c_str(), 0);
-  char path[dv::PATH_SIZE];
-  for (;;) {
-    const unsigned int status = search.nextMatch(sizeof path, path);
-    if (status != 0) {
-      if (fl::isSearchEnd(status)) {
-        return;
-      }
-      throw Error(inputOutput, directory + ": status " + std::to_string(status));
-    }
-    if (const std::optional<Pair> pair = examine(path)) {
-      visit(*pair);
-    }
-  }
+// "  name  size  age", the columns that all files have.
+void appendFile(std::string& line, const std::string& name, std::int64_t size, std::int64_t age) {
+  char columns[80];
+  line += "  ";
+  appendText(line, name);
+  line.append(name.size() < 24 ? 24 - name.size() : 0, ' ');
+  std::snprintf(columns, sizeof columns, " %10lld bytes %8lld s  ", static_cast<long long>(size),
+                static_cast<long long>(age));
+  line += columns;
 }
 
-void printText(const std::string& office, const char* role, const std::string& directory) {
-  std::printf("%s %s %s\n", office.c_str(), role, directory.c_str());
+void write(const std::string& line) {
+  std::fwrite(line.data(), 1, line.size(), stdout);
+}
+
+void printPairs(const std::string& directory) {
   unsigned long count = 0;
-  walk(directory, [&](const Pair& pair) {
-    std::printf("  %-24s %10lld bytes %8lld s  from <%s> to", pair.envelope.c_str(),
-                static_cast<long long>(pair.size), static_cast<long long>(pair.age),
-                pair.sender.c_str());
+  std::string line;
+  forEachPair(directory, [&](const WaitingPair& pair) {
+    line.clear();
+    appendFile(line, pair.envelope, pair.size, pair.age);
+    line += "from <";
+    appendText(line, pair.sender);
+    line += "> to";
     for (const std::string& recipient : pair.recipients) {
-      std::printf(" <%s>", recipient.c_str());
+      line += " <";
+      appendText(line, recipient);
+      line += '>';
     }
-    std::putchar('\n');
+    line += '\n';
+    write(line);
     ++count;
   });
   std::printf("  %lu waiting\n", count);
 }
 
+Json jsonFile(const std::string& name, std::int64_t size, std::int64_t age) {
+  Json row;
+  row["name"] = jsonText(name);
+  row["size"] = size;
+  row["age"] = age;
+  return row;
+}
+
 Json jsonPairs(const std::string& directory) {
   Json rows = Json::array();
-  walk(directory, [&](const Pair& pair) {
+  forEachPair(directory, [&](const WaitingPair& pair) {
     Json recipients = Json::array();
     for (const std::string& recipient : pair.recipients) {
       recipients.push_back(jsonText(recipient));
     }
-    Json row;
-    row["name"] = jsonText(pair.envelope);
-    row["size"] = pair.size;
-    row["age"] = pair.age;
+    Json row = jsonFile(pair.envelope, pair.size, pair.age);
     row["sender"] = jsonText(pair.sender);
     row["recipients"] = std::move(recipients);
     rows.push_back(std::move(row));
@@ -124,10 +85,31 @@ Json jsonPairs(const std::string& directory) {
   return rows;
 }
 
+void printLone(const std::string& directory) {
+  const std::vector<LoneFile> files = loneFiles(directory);
+  for (const LoneFile& file : files) {
+    std::string line;
+    appendFile(line, file.name, file.size, file.age);
+    line += file.isMessage ? "without its envelope\n" : "without its message file\n";
+    write(line);
+  }
+  std::printf("  %zu incomplete\n", files.size());
+}
+
+Json jsonLone(const std::string& directory) {
+  Json rows = Json::array();
+  for (const LoneFile& file : loneFiles(directory)) {
+    Json row = jsonFile(file.name, file.size, file.age);
+    row["lacks"] = file.isMessage ? "envelope" : "message";
+    rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
 void printKept(const Quarantine& quarantine) {
   for (const KeptPair& pair : quarantine.list()) {
-    std::printf("  %-24s kept after %u tries, status %u: %s\n", pair.envelope.c_str(),
-                pair.reason.tries, pair.reason.status, pair.reason.text.c_str());
+    std::printf("  %-24s kept after %u tries, status %u: %s\n", printable(pair.envelope).c_str(),
+                pair.reason.tries, pair.reason.status, printable(pair.reason.text).c_str());
   }
 }
 
@@ -154,6 +136,37 @@ Directories directoriesOf(PFA_Profile& profile, const std::string& office) {
   return {sectionValue(profile, office, "SourceDir"), sectionValue(profile, office, "DestDir")};
 }
 
+void printOffice(const std::string& name, const Directories& directories, const Config& config,
+                 const ListOptions& options) {
+  const auto print = options.incomplete ? printLone : printPairs;
+  std::printf("%s source %s\n", name.c_str(), directories.source.c_str());
+  print(directories.source);
+  if (options.incomplete) {
+    const std::string receiver = withSeparator(directories.source) + RECEIVER_DIRECTORY;
+    std::printf("%s receiver %s\n", name.c_str(), receiver.c_str());
+    print(receiver);
+  } else {
+    printKept(Quarantine(directories.source, config));
+  }
+  std::printf("%s destination %s\n", name.c_str(), directories.destination.c_str());
+  print(directories.destination);
+}
+
+Json jsonOffice(const std::string& name, const Directories& directories, const Config& config,
+                const ListOptions& options) {
+  const auto rowsOf = options.incomplete ? jsonLone : jsonPairs;
+  Json row;
+  row["postOffice"] = jsonText(name);
+  row["sourceDir"] = jsonText(directories.source);
+  row["destDir"] = jsonText(directories.destination);
+  row["source"] = rowsOf(directories.source);
+  row["destination"] = rowsOf(directories.destination);
+  row["kept"] = options.incomplete
+                    ? jsonLone(withSeparator(directories.source) + RECEIVER_DIRECTORY)
+                    : jsonKept(Quarantine(directories.source, config));
+  return row;
+}
+
 }  // namespace
 
 int retry(PFA_Profile& profile, const Config& config, const std::string& office,
@@ -173,26 +186,19 @@ int retry(PFA_Profile& profile, const Config& config, const std::string& office,
   throw Error(configuration, "There is no post office \"" + office + "\".");
 }
 
-int list(PFA_Profile& profile, const Config& config, bool json) {
+int list(PFA_Profile& profile, const Config& config, const ListOptions& options) {
+  static char buffer[65536];
+  std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
   Json offices = Json::array();
   for (const std::string& name : config.postOffices) {
     const Directories directories = directoriesOf(profile, name);
-    if (!json) {
-      printText(name, "source", directories.source);
-      printKept(Quarantine(directories.source, config));
-      printText(name, "destination", directories.destination);
-      continue;
+    if (options.json) {
+      offices.push_back(jsonOffice(name, directories, config, options));
+    } else {
+      printOffice(name, directories, config, options);
     }
-    Json row;
-    row["postOffice"] = jsonText(name);
-    row["sourceDir"] = jsonText(directories.source);
-    row["destDir"] = jsonText(directories.destination);
-    row["source"] = jsonPairs(directories.source);
-    row["destination"] = jsonPairs(directories.destination);
-    row["kept"] = jsonKept(Quarantine(directories.source, config));
-    offices.push_back(std::move(row));
   }
-  if (json) {
+  if (options.json) {
     Json root;
     root["version"] = 1;
     root["postOffices"] = std::move(offices);

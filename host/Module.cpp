@@ -8,20 +8,29 @@ namespace host {
 
 Module::Module() {
   std::string named;
-  const std::string installed = std::string(KRX_MODULE_DIRECTORY) + "/" + KRX_MODULE_NAME;
-  const bool isNamed = plat::environment("KRX_MODULE", named) && !named.empty();
-  const bool loaded =
-      isNamed ? m_library.load(named.c_str()) != 0
-              : m_library.load(KRX_MODULE_NAME) != 0 || m_library.load(installed.c_str()) != 0;
-  if (loaded) {
-    m_factory =
-        reinterpret_cast<KRX_GetMailAccessObjectFunction>(m_library.symbol(KRX_FACTORY_NAME));
+  if (plat::environment("KRX_MODULE", named) && !named.empty()) {
+    load({named});
+  } else {
+    load({KRX_MODULE_NAME, std::string(KRX_MODULE_DIRECTORY) + "/" + KRX_MODULE_NAME});
   }
+  m_factory = reinterpret_cast<KRX_GetMailAccessObjectFunction>(m_library.symbol(KRX_FACTORY_NAME));
   if (m_factory == nullptr) {
-    throw Error(unavailable, "The connector's module " +
-                                 (isNamed ? named : std::string(KRX_MODULE_NAME)) +
-                                 " cannot be loaded.");
+    throw Error(unavailable, "The connector's module " + (named.empty() ? KRX_MODULE_NAME : named) +
+                                 " has no " + KRX_FACTORY_NAME + ".");
   }
+}
+
+// The first that can be.
+void Module::load(const std::vector<std::string>& files) {
+  std::string reasons;
+  for (const std::string& file : files) {
+    if (m_library.load(file.c_str()) != 0) {
+      return;
+    }
+    reasons += std::string(reasons.empty() ? "" : "; ") + m_library.errorText().c_str();
+  }
+  throw Error(unavailable,
+              "The connector's module " + files.front() + " cannot be loaded, " + reasons + ".");
 }
 
 std::unique_ptr<GMA_PostOffice> Module::newPostOffice(GMA_POGroup& group, const std::string& name,

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "gma/GMAPO.h"
 #include "gma/GMAPOGRP.h"
@@ -21,6 +22,8 @@ class Module {
                                                 LOG_Logging& log) const;
 
  private:
+  void load(const std::vector<std::string>& files);
+
   SCL_DynamicLibrary m_library;
   KRX_GetMailAccessObjectFunction m_factory = nullptr;
 };

@@ -2,6 +2,7 @@
 #include "host/PostOffices.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <optional>
 #include <tuple>
 
@@ -9,6 +10,7 @@
 #include "host/Exit.h"
 #include "pfa/PFAPROF.h"
 #include "plat/PlatError.h"
+#include "plat/PlatSpool.h"
 #include "plat/PlatTerminal.h"
 
 namespace host {
@@ -34,6 +36,32 @@ std::string holderOf(plat::File& file) {
   }
   const std::string_view number(text, length);
   return "process " + std::string(SCL_trimmed(number));
+}
+
+void warnOfStrangers(const PostOffice& office, const char* role, const std::string& directory) {
+  constexpr unsigned int WRITABLE_BY_ALL = 02;
+  constexpr unsigned int STICKY = 01000;
+  plat::FileStatus found;
+  if (plat::status(directory, found) != 0 || (found.permissions & WRITABLE_BY_ALL) == 0) {
+    return;
+  }
+  std::printf("Warning: %s of post office \"%s\", %s, can be written by everybody, %s.\n", role,
+              office.name.c_str(), directory.c_str(),
+              (found.permissions & STICKY) != 0
+                  ? "but has the sticky bit: strangers can add pairs, not remove or rename others'"
+                  : "and has no sticky bit: strangers can add, remove and rename pairs");
+}
+
+void tellLeases(const PostOffice& office) {
+  if (!identity(office.sourceDirectory)) {
+    return;  // not there, which the configuration may allow
+  }
+  const int error = plat::testLeases(office.sourceDirectory);
+  std::printf(
+      "SourceDir of post office \"%s\": files in use are told by %s.\n", office.name.c_str(),
+      error == 0
+          ? "leases"
+          : ("locks and age, for leases do not work there, " + plat::errorText(error)).c_str());
 }
 
 }  // namespace
@@ -145,6 +173,14 @@ void PostOffices::refuseRings() const {
         }
       }
     }
+  }
+}
+
+void PostOffices::printDirectories() const {
+  for (const PostOffice& office : m_postOffices) {
+    warnOfStrangers(office, "SourceDir", office.sourceDirectory);
+    warnOfStrangers(office, "DestDir", office.destinationDirectory);
+    tellLeases(office);
   }
 }
 

@@ -30,6 +30,9 @@ class PostOffices {
 
   // Error(configuration) that names the ring when mail would go round in one.
   void refuseRings() const;
+  // Writes a line to standard output for what an operator should know of the directories: those
+  // that everybody may write into, and how files in use are told in the source directories.
+  void printDirectories() const;
   // Holds each source directory for this process; Error(unavailable) that names the other holder.
   void lockSources();
 

@@ -2,7 +2,6 @@
 #include "host/Quarantine.h"
 
 #include <cstdio>
-#include <fstream>
 #include <sstream>
 
 #include "dv/DVPATH.h"
@@ -12,7 +11,6 @@
 #include "plat/PlatClock.h"
 #include "plat/PlatFile.h"
 #include "plat/PlatLock.h"
-#include "plat/PlatPath.h"
 
 namespace host {
 namespace {
@@ -71,9 +69,25 @@ std::string localTime(std::int64_t seconds) {
   return text;
 }
 
+// Empty when there is none. Whoever may write into the source directory may have put a FIFO or a
+// link there.
+std::string readReasonFile(const std::string& path) {
+  plat::OpenMode mode;
+  mode.read = true;
+  mode.noFollow = true;
+  plat::File file;
+  std::string text(65536, '\0');
+  std::size_t length = 0;
+  if (file.open(path, mode) != 0 || file.readAt(0, text.data(), text.size(), length) != 0) {
+    return {};
+  }
+  text.resize(length);
+  return text;
+}
+
 Reason readReason(const std::string& path) {
   Reason reason;
-  std::ifstream file(plat::toNative(path));
+  std::istringstream file(readReasonFile(path));
   std::string line;
   while (std::getline(file, line)) {
     std::istringstream fields(line);

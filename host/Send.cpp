@@ -13,6 +13,7 @@
 #include "gma/GMAMSG.h"
 #include "host/Exit.h"
 #include "plat/PlatError.h"
+#include "plat/PlatFile.h"
 #include "plat/PlatPath.h"
 
 namespace host {
@@ -24,11 +25,30 @@ std::string readAll(std::istream& stream) {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+// 0 or an errno value.
+int readRegular(const std::string& path, std::string& content) {
+  plat::OpenMode mode;
+  mode.read = true;
+  plat::File file;
+  if (const int error = file.open(path, mode); error != 0) {
+    return error;
+  }
+  content.resize(static_cast<std::size_t>(file.sizeAtOpen()));
+  std::size_t length = 0;
+  const int error = file.readAt(0, content.data(), content.size(), length);
+  content.resize(length);
+  return error;
+}
+
+// A pipe cannot be read at a position, so it is read as a stream.
 std::string readFile(const std::string& path) {
-  std::ifstream file(plat::toNative(path), std::ios::binary);
-  std::string content = readAll(file);
-  if (!file) {
-    throw Error(inputOutput, path + " cannot be read.");
+  std::string content;
+  plat::FileStatus found;
+  if (plat::status(path, found) == 0 && found.kind == plat::Kind::other) {
+    std::ifstream file(plat::toNative(path), std::ios::binary);
+    content = readAll(file);
+  } else if (const int error = readRegular(path, content); error != 0) {
+    throw Error(inputOutput, path + " cannot be read, " + plat::errorText(error) + ".");
   }
   return content;
 }

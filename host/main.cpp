@@ -85,6 +85,7 @@ int runCommand(const std::string& configFile, bool once, const NoticeFiles& noti
 int checkCommand(const std::string& configFile) {
   Session& all = session(configFile, LOG_Logging::DEBUG);
   all.postOffices().refuseRings();
+  all.postOffices().printDirectories();
   if (plat::commitDisabled()) {
     std::printf("Warning: KRX_COMMIT=0, mail is not brought to stable storage.\n");
   }
@@ -92,10 +93,10 @@ int checkCommand(const std::string& configFile) {
   return Exit::done;
 }
 
-int listCommand(const std::string& configFile, bool json) {
+int listCommand(const std::string& configFile, const ListOptions& options) {
   PFA_Profile profile;
   openProfile(profile, configFile);
-  return list(profile, readConfig(profile, configFile), json);
+  return list(profile, readConfig(profile, configFile), options);
 }
 
 int retryCommand(const std::string& configFile, const std::string& office,
@@ -131,6 +132,7 @@ struct CommandLine {
   std::string config;
   bool once = false;
   bool json = false;
+  ListOptions listed;
   PairOptions pair;
   NoticeFiles notices;
   SendOptions sent;
@@ -153,8 +155,10 @@ void addRunning(CLI::App& app, CommandLine& given) {
 void addQueue(CLI::App& app, CommandLine& given) {
   CLI::App* list = app.add_subcommand("list", "List the waiting and the kept pairs");
   addConfig(*list, given.config);
-  list->add_flag("--json", given.json, "As JSON");
-  list->callback([&] { given.result = listCommand(given.config, given.json); });
+  list->add_flag("--json", given.listed.json, "As JSON");
+  list->add_flag("--incomplete", given.listed.incomplete,
+                 "The files without their other half, instead");
+  list->callback([&] { given.result = listCommand(given.config, given.listed); });
   CLI::App* retry = app.add_subcommand("retry", "Put a kept pair back by hand");
   addConfig(*retry, given.config);
   retry->add_option("--post-office", given.office, "The post office that keeps it")->required();

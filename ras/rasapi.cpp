@@ -1,5 +1,8 @@
 // The seven operations of the dial-up interface: what the records say is checked here, and nothing
-// that is thrown passes the library's edge. Nothing is kept between calls.
+// that is thrown passes the library's edge. Nothing is kept between calls but, for each thread,
+// what its last dialler said when it failed: the text of its error tells that, too.
+#include <algorithm>
+
 #include "gen/GENCATCH.h"
 #include "krx/krxrasif.h"
 #include "ras/rasbook.h"
@@ -15,6 +18,19 @@ std::uint32_t guarded(Operation operation) noexcept {
   std::uint32_t error = UNKNOWN;
   GENSwallow([&] { error = operation(); });
   return error;
+}
+
+thread_local Error lastDialError = OK;
+thread_local std::string lastDialWords;
+
+// "The dialler failed: what it said", as much of it as callers have room for.
+std::string textOf(std::uint32_t code, const char* known) {
+  std::string text = known;
+  if (code == lastDialError && !lastDialWords.empty()) {
+    text.replace(text.size() - 1, 1, ": " + lastDialWords);
+    text.resize(std::min(text.size(), RAS_ERROR_TEXT_SIZE - 1));
+  }
+  return text;
 }
 
 struct Connection {
@@ -104,6 +120,7 @@ std::uint32_t RasDialA(const void* /*extensions*/, const char* phonebook,
   if (parameters->size != sizeof *parameters) {
     return INVALID_SIZE;
   }
+  lastDialError = OK;
   return guarded([&] {
     *connection = 0;
     Entry entry;
@@ -115,7 +132,8 @@ std::uint32_t RasDialA(const void* /*extensions*/, const char* phonebook,
     const Error error = dial(entry,
                              {KRX_rasText(parameters->userName), KRX_rasText(parameters->password),
                               KRX_rasText(parameters->phoneNumber)},
-                             link);
+                             link, lastDialWords);
+    lastDialError = error;
     *connection = link.process;
     return error;
   });
@@ -226,12 +244,14 @@ std::uint32_t RasGetErrorStringA(std::uint32_t code, char* text, std::uint32_t s
   if (known == nullptr || text == nullptr) {
     return INVALID_PARAMETER;
   }
-  const std::size_t length = std::strlen(known) + 1;
-  if (length > size) {
-    return INSUFFICIENT_BUFFER;
-  }
-  std::memcpy(text, known, length);
-  return OK;
+  return guarded([&] {
+    const std::string whole = textOf(code, known);
+    if (whole.size() >= size) {
+      return INSUFFICIENT_BUFFER;
+    }
+    std::memcpy(text, whole.c_str(), whole.size() + 1);
+    return OK;
+  });
 }
 
 std::uint32_t RasHangUpA(RasHandle handle) {

@@ -2,6 +2,8 @@
 // in a directory of our own, which has lost its name before the dialler starts.
 #include "ras/rasdial.h"
 
+#include <algorithm>
+
 #include "plat/PlatCommand.h"
 #include "plat/PlatFile.h"
 #include "plat/PlatPath.h"
@@ -83,19 +85,55 @@ int writeSecret(const std::string& path, std::string_view password) {
   return error != 0 ? error : file.close();
 }
 
-// The dialler writes nothing into the host's streams and reads nothing from its terminal.
-int runDialler(const std::string& command, std::string_view password) {
+// The last line that is more than white space, of at most so many bytes as are read; empty when the
+// password is in it: a dialler that was told to be verbose must not bring it into a log.
+std::string lastLine(const std::string& path, std::string_view password) {
+  constexpr std::int64_t READ = 4096;
+  plat::OpenMode mode;
+  mode.read = true;
+  plat::File file;
+  std::string text(READ, '\0');
+  std::size_t length = 0;
+  if (file.open(path, mode) != 0 || file.readAt(std::max<std::int64_t>(file.sizeAtOpen() - READ, 0),
+                                                text.data(), text.size(), length) != 0) {
+    return {};
+  }
+  text.resize(length);
+  text.erase(text.find_last_not_of(" \t\r\n") + 1);
+  const std::size_t start = text.find_last_of("\r\n") + 1;
+  if (start == 0 && file.sizeAtOpen() > READ) {
+    return {};  // it begins before what was read, and so may a password
+  }
+  text.erase(0, start);
+  if (!password.empty() && text.find(password) != std::string::npos) {
+    return {};
+  }
+  std::replace_if(
+      text.begin(), text.end(),
+      [](char c) { return static_cast<unsigned char>(c) < 32 || c == 127; }, ' ');
+  return text;
+}
+
+// The dialler writes nothing into the host's streams and reads nothing from its terminal. What it
+// says goes into a file, of which the last line becomes `words` when it fails. A pipe would do harm
+// to a dialler that keeps the line and goes on talking.
+int runDialler(const std::string& command, std::string_view password, std::string& words) {
   const plat::TemporaryDirectory directory;
   const std::string secret = directory.path() + "secret";
+  const std::string said = directory.path() + "said";
   if (directory.path().empty() || writeSecret(secret, password) != 0) {
     return -1;
   }
   const std::string file = quoted(plat::toNative(secret));
   int error = 0;
-  return plat::runCommand("exec " + std::string(PASSWORD_DESCRIPTOR) + "<" + file +
-                              " </dev/null >/dev/null 2>&1 && rm -f " + file + " && {\n" + command +
-                              "\n}",
-                          error);
+  const int result = plat::runCommand("exec " + std::string(PASSWORD_DESCRIPTOR) + "<" + file +
+                                          " </dev/null >>" + quoted(plat::toNative(said)) +
+                                          " 2>&1 && rm -f " + file + " && {\n" + command + "\n}",
+                                      error);
+  if (result != 0) {
+    words = lastLine(said, password);
+  }
+  return result;
 }
 
 }  // namespace
@@ -122,8 +160,9 @@ bool composeCommand(const Entry& entry, const Caller& caller, std::string& comma
   return true;
 }
 
-Error dial(const Entry& entry, const Caller& caller, Link& link) {
+Error dial(const Entry& entry, const Caller& caller, Link& link, std::string& words) {
   link = {};
+  words.clear();
   if (findLink(entry).process != 0) {
     return ALREADY_OPEN;
   }
@@ -131,7 +170,7 @@ Error dial(const Entry& entry, const Caller& caller, Link& link) {
   if (!composeCommand(entry, caller, command)) {
     return CORRUPT_PHONEBOOK;
   }
-  const int result = runDialler(command, caller.password);
+  const int result = runDialler(command, caller.password, words);
   link = findLink(entry);
   if (result != 0 && result != -1) {
     return dialError(result);

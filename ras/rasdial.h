@@ -20,7 +20,8 @@ struct Caller {
 bool composeCommand(const Entry& entry, const Caller& caller, std::string& command);
 
 // Runs the dialler, which returns when the line is up or has failed. ALREADY_OPEN while the entry
-// is being dialled or connected. `link` is what the dialler has left behind, also after a failure.
-Error dial(const Entry& entry, const Caller& caller, Link& link);
+// is being dialled or connected. `link` is what the dialler has left behind, also after a failure;
+// `words` the last line that a failing dialler wrote, printable and without the password.
+Error dial(const Entry& entry, const Caller& caller, Link& link, std::string& words);
 
 }  // namespace ras

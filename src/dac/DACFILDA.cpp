@@ -38,14 +38,19 @@ DAC_FileDataAccess::DAC_FileDataAccess(const SCL_StringRef& path, unsigned int f
   if ((flags & CREATE) != 0) {
     fileStream().create(path, options, status);
   }
+  const bool isMade = (flags & CREATE) != 0 && status == 0;
   const bool isThere = status == DAC_EXISTS && (flags & EXCLUSIVE) == 0;
   if ((flags & CREATE) == 0 || isThere) {
     status = 0;
     fileStream().open(path, options, status);
   }
-  if (status == 0) {
-    setNameAttributes(path, status);
+  if (status != 0) {
+    return;
   }
+  // Nobody else can take away a file that was made by an object that then could not be.
+  fileStream().setDeleteOnClose(options.deleteOnClose || (isMade && !options.lateName));
+  setNameAttributes(path, status);
+  fileStream().setDeleteOnClose(options.deleteOnClose);
 }
 
 void DAC_FileDataAccess::setNameAttributes(const SCL_StringRef& path, unsigned int& status) {

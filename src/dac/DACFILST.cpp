@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "dac/DACTOFIL.h"
 #include "dv/DVPATH.h"
@@ -61,6 +62,7 @@ void DAC_FileStream::open(const SCL_StringRef& path, const Options& options, uns
     status = dac::fileCheckStatus(form);
     return;
   }
+  SCL_String kept(path);  // before there is a file, for which there may then be no memory
   plat::OpenMode mode;
   mode.read = true;
   mode.write = mode.append = !options.readOnly;
@@ -76,7 +78,7 @@ void DAC_FileStream::open(const SCL_StringRef& path, const Options& options, uns
     status = DAC_OPEN;
     return;
   }
-  opened(path, options);
+  opened(std::move(kept), options);
   m_lastSize = m_file.sizeAtOpen();
   m_appendOnly = mode.append;
   m_readOnly = options.readOnly;
@@ -94,6 +96,7 @@ void DAC_FileStream::create(const SCL_StringRef& path, const Options& options,
     status = DAC_EXISTS;
     return;
   }
+  SCL_String kept(path);  // before there is a file, for which there may then be no memory
   plat::OpenMode mode;
   mode.read = mode.write = true;
   // The system decides whether the name is free: what exists may be a name in the other letter
@@ -107,11 +110,11 @@ void DAC_FileStream::create(const SCL_StringRef& path, const Options& options,
     status = error == EEXIST ? DAC_EXISTS : DAC_OPEN;
     return;
   }
-  opened(path, options);
+  opened(std::move(kept), options);
 }
 
-void DAC_FileStream::opened(const SCL_StringRef& path, const Options& options) {
-  m_Path = path;
+void DAC_FileStream::opened(SCL_String&& path, const Options& options) noexcept {
+  m_Path = std::move(path);
   m_DeleteOnClose = options.deleteOnClose;
   m_appendOnly = false;
   m_readOnly = false;

@@ -43,6 +43,7 @@ class DAC_FileStream : public DAC_Stream {
   // The checked close: 10022 when gathered bytes could not be written, 10034 when closing failed;
   // the file is closed in any case, and deleted when that was asked for.
   void close(unsigned int& status);
+  void setDeleteOnClose(bool isDeleted) noexcept { m_DeleteOnClose = isDeleted; }
   void commit(unsigned int& status);  // flush, then to stable storage; 10034
 
   const SCL_String& path() const noexcept { return m_Path; }  // empty when none is open
@@ -68,7 +69,7 @@ class DAC_FileStream : public DAC_Stream {
   // The one buffer holds what was read of the file or what is still to be written to it.
   enum class Buffered { nothing, read, gathered };
 
-  void opened(const SCL_StringRef& path, const Options& options);
+  void opened(SCL_String&& path, const Options& options) noexcept;
   bool seekTo(std::int32_t position, unsigned int& status) const noexcept;
   std::string_view fetch(std::int64_t position, unsigned int& status);
   void gather(std::int64_t position, std::string_view bytes, unsigned int& status);

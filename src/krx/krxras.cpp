@@ -63,6 +63,9 @@ struct Parameters {
 
 void KRX_bindRas(SCL_DynamicLibrary& library, KRX_RasApi& api, unsigned int& status) {
   if (library.load(KRX_RAS_LIBRARY_NAME) == 0) {
+    LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::BRIEF,
+                              "%s cannot be loaded, %s.", KRX_RAS_LIBRARY_NAME,
+                              library.errorText().c_str());
     failBinding("Failed to link to the RAS API, is it installed?", status);
     return;
   }

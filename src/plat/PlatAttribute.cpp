@@ -20,15 +20,23 @@ namespace {
 constexpr char DOS_ATTRIBUTES[] = "user.DOSATTRIB";
 constexpr mode_t ANY_WRITE = S_IWUSR | S_IWGRP | S_IWOTH;
 
-// 0 or an errno value. The value may grow between the two calls.
-int readExtended(const char* native, const char* name, std::string& value) {
+ssize_t getExtended(const char* native, const char* name, char* value, std::size_t size) {
+  return ::getxattr(native, name, value, size);
+}
+ssize_t getExtended(int descriptor, const char* name, char* value, std::size_t size) {
+  return ::fgetxattr(descriptor, name, value, size);
+}
+
+// Of a path or an open file. 0 or an errno value. The value may grow between the two calls.
+template <class Place>
+int readExtended(Place place, const char* name, std::string& value) {
   for (;;) {
-    const ssize_t size = ::getxattr(native, name, nullptr, 0);
+    const ssize_t size = getExtended(place, name, nullptr, 0);
     if (size < 0) {
       return errno == EOPNOTSUPP ? ENODATA : errno;
     }
     value.resize(static_cast<std::size_t>(size) + 1);  // a size of 0 would be another question
-    const ssize_t got = ::getxattr(native, name, value.data(), value.size());
+    const ssize_t got = getExtended(place, name, value.data(), value.size());
     if (got >= 0) {
       value.resize(static_cast<std::size_t>(got));
       return 0;
@@ -41,11 +49,12 @@ int readExtended(const char* native, const char* name, std::string& value) {
 
 // Hidden and system from the hexadecimal text that file servers keep with shared files ("0x22"). A
 // newer server writes more behind a NUL, which ends the number as any other character does.
-unsigned int dosBits(const char* native) {
+template <class Place>
+unsigned int dosBits(Place place) {
   char text[64];
-  const ssize_t size = ::getxattr(native, DOS_ATTRIBUTES, text, sizeof text);
+  const ssize_t size = getExtended(place, DOS_ATTRIBUTES, text, sizeof text);
   std::string value;
-  if (size < 0 && errno == ERANGE && readExtended(native, DOS_ATTRIBUTES, value) != 0) {
+  if (size < 0 && errno == ERANGE && readExtended(place, DOS_ATTRIBUTES, value) != 0) {
     return 0;
   }
   std::string_view digits =
@@ -58,6 +67,11 @@ unsigned int dosBits(const char* native) {
   return bits & (ATTRIBUTE_HIDDEN | ATTRIBUTE_SYSTEM);
 }
 
+unsigned int modeBits(mode_t mode) noexcept {
+  return ((mode & ANY_WRITE) == 0 ? ATTRIBUTE_READ_ONLY : 0) |
+         (S_ISDIR(mode) ? ATTRIBUTE_DIRECTORY : 0);
+}
+
 }  // namespace
 
 int attributesAt(int directory, const char* name, const char* native, unsigned int& bits) {
@@ -65,10 +79,12 @@ int attributesAt(int directory, const char* name, const char* native, unsigned i
   if (::fstatat(directory, name, &file, 0) < 0) {
     return errno == ELOOP ? ENOENT : errno;  // a ring of links points nowhere, too
   }
-  bits = (file.st_mode & ANY_WRITE) == 0 ? ATTRIBUTE_READ_ONLY : 0;
-  bits |= S_ISDIR(file.st_mode) ? ATTRIBUTE_DIRECTORY : 0;
-  bits |= dosBits(native);
+  bits = modeBits(file.st_mode) | dosBits(native);
   return 0;
+}
+
+unsigned int attributesOf(int descriptor, const struct stat& file) {
+  return modeBits(file.st_mode) | dosBits(descriptor);
 }
 
 int attributes(std::string_view path, unsigned int& bits) {

@@ -13,6 +13,7 @@
 #include <sys/statfs.h>
 
 #include "plat/PlatClock.h"
+#include "plat/PlatSpool.h"
 #include "plat/PlatSystem.h"
 
 namespace plat {
@@ -98,6 +99,21 @@ int testShare(int descriptor, bool writable, Share share) {
       break;
   }
   return 0;
+}
+
+int testLeases(std::string_view directory) {
+  OpenMode mode;
+  mode.write = true;
+  mode.create = true;
+  mode.exclusive = true;
+  mode.lateName = true;  // never committed, so the name is never there or goes again
+  mode.noFollow = true;
+  mode.permissions = 0600;
+  File probe;
+  const std::string path =
+      std::string(directory) + "/.krxprobe" + std::to_string(static_cast<long>(::getpid()));
+  const int error = probe.open(path, mode);
+  return error != 0 ? error : testLease(probe.descriptor(), F_WRLCK);
 }
 
 }  // namespace plat

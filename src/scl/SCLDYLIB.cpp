@@ -12,10 +12,12 @@ SCL_DynamicLibrary::~SCL_DynamicLibrary() {
 
 int SCL_DynamicLibrary::load(const SCL_StringRef& fileName) {
   if (m_handle != nullptr) {
+    m_errorText = "A library is loaded already";
     return 0;
   }
   std::string errorText;
   m_handle = plat::loadLibrary(fileName, errorText);
+  m_errorText = errorText.c_str();
   return m_handle != nullptr ? 1 : 0;
 }
 

@@ -15,8 +15,11 @@ class SCL_DynamicLibrary {
   // Nonzero on success, and the handle is cleared; 0 when nothing is held or the platform refuses.
   int free();
   bool isLoaded() const noexcept { return m_handle != nullptr; }
+  // Why the last load failed, in the loader's words; empty after one that did not.
+  const SCL_String& errorText() const noexcept { return m_errorText; }
   void* symbol(const char* name) const;  // null when the library lacks it
 
  private:
   void* m_handle = nullptr;
+  SCL_String m_errorText;
 };

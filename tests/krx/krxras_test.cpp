@@ -139,6 +139,8 @@ TEST_F(DialUp, ADueEventDialsOnceRunsTheCommandAndSignals) {
   EXPECT_EQ(value, 1U);
   poll();
   EXPECT_EQ(calls(), CALL);  // the healthy line is kept
+  give("RasCommand", "\"exit 4");
+  EXPECT_EQ(poll(), DIALLED);  // half a command is none
 }
 
 TEST_F(DialUp, FailedAttemptsPauseAndMailIsFetchedAllTheSame) {
@@ -185,8 +187,10 @@ TEST_F(DialUp, AServiceThatCannotBeBoundReplacesAnEarlierStatus) {
   setenv("KRX_RAS_LIBRARY", "/nowhere/RASAPI32.so", 1);
   give("RasSchedule", "08:30");
   EXPECT_EQ(validate(), 11924U);
-  EXPECT_THAT(takeLogText(), HasSubstr("no source directory has been specified.\n11:1 Failed to "
-                                       "link to the RAS API, is it installed?\n"));
+  const std::string log = takeLogText();
+  EXPECT_THAT(log, HasSubstr("no source directory has been specified.\n11:1 RASAPI32.DLL cannot be "
+                             "loaded, /nowhere/RASAPI32.so: "));
+  EXPECT_THAT(log, HasSubstr("11:1 Failed to link to the RAS API, is it installed?\n"));
   setenv("KRX_RAS_LIBRARY", "libm.so.6", 1);
   EXPECT_EQ(validate(), 11924U);
   EXPECT_THAT(takeLogText(), HasSubstr("11:1 Failed to get entry points for one or more RAS API "
@@ -281,6 +285,13 @@ TEST_F(DialUp, AServiceThatLiesAboutSizesIsNotBelieved) {
   EXPECT_THAT(takeLog(), ElementsAre("11:3 Start RASDialUp isp",
                                      "11:1 PO:Error in initiating RAS dial up connection RasError "
                                      "Error Code 777"));
+  api.getErrorString = [](std::uint32_t, char* text, std::uint32_t size) {
+    std::memset(text, 'x', size);
+    return 0U;
+  };
+  line.raise();
+  EXPECT_THAT(takeLog().back(),
+              testing::EndsWith("RasError " + std::string(RAS_ERROR_TEXT_SIZE - 1, 'x')));
 }
 
 }  // namespace

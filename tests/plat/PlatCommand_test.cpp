@@ -22,6 +22,14 @@ TEST_F(PlatCommand, ResultIsTheExitCodeOrTheSignal) {
   EXPECT_EQ(run("/no/such/command 2>/dev/null"), "127");
 }
 
+TEST_F(PlatCommand, TheHostsOwnChildrenAreLeftToTheHost) {
+  scene::Work child([] {});
+  siginfo_t ended{};
+  ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child.id()), &ended, WEXITED | WNOWAIT), 0);
+  EXPECT_EQ(run("sleep 0.05; exit 3"), "3");
+  EXPECT_EQ(child.end(), 0);
+}
+
 TEST_F(PlatCommand, CommandThatCannotBeStartedIsMinusOne) {
   scene::elsewhere([] {
     scene::refuse(SYS_execve, EACCES);

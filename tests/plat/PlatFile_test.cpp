@@ -1,10 +1,23 @@
 // Open files and the operations on names.
 #include "plat/PlatFile.h"
 
+#include <algorithm>
+#include <cstdint>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 
 #include "plat/Scene.h"
+
+static std::size_t mostAtOnce = SIZE_MAX;
+
+// The kernel's transfers, cut short as a network may do it.
+ssize_t pread(int descriptor, void* buffer, std::size_t count, off_t position) {
+  return ::syscall(SYS_pread64, descriptor, buffer, std::min(count, mostAtOnce), position);
+}
+ssize_t pwrite(int descriptor, const void* data, std::size_t count, off_t position) {
+  return ::syscall(SYS_pwrite64, descriptor, data, std::min(count, mostAtOnce), position);
+}
 
 namespace {
 
@@ -41,13 +54,28 @@ TEST_F(PlatFile, TransfersLandAtTheirPosition) {
   EXPECT_EQ(content("x"), "abcde") << "at the end, whatever the position";
 }
 
+TEST_F(PlatFile, ShortTransfersAreContinued) {
+  File file;
+  ASSERT_EQ(file.open(at("x"), creating), 0);
+  EXPECT_EQ(::fcntl(file.descriptor(), F_GETFD), FD_CLOEXEC);
+  mostAtOnce = 2;
+  char buffer[5];
+  std::size_t done = 0;
+  EXPECT_EQ(file.writeAt(0, "abcde", 5) | file.readAt(0, buffer, sizeof buffer, done), 0);
+  mostAtOnce = SIZE_MAX;
+  EXPECT_EQ(std::string(buffer, done) + content("x"), "abcdeabcde");
+}
+
 TEST_F(PlatFile, LateNameIsThereWithTheWholeFileOrNever) {
   creating.exclusive = creating.lateName = true;
   const auto writes = [&] {
+    const int nameless = ::open(path().c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+    ::close(nameless);
     EXPECT_EQ(outcome(at("x"), creating), "open x");
     EXPECT_TRUE(std::filesystem::is_empty(path())) << "closed before it was committed";
     File file;
     EXPECT_EQ(file.open(at("x"), creating), 0);
+    EXPECT_EQ(std::filesystem::is_empty(path()), nameless >= 0);
     EXPECT_TRUE(file.writeAt(0, "text", 4) == 0 && file.commit() == 0 && content("x") == "text");
     EXPECT_EQ(outcome(at("x"), creating), "EEXIST");
     std::filesystem::remove(at("x"));

@@ -1,12 +1,14 @@
 // Reading directories and the attributes of names.
 #include "plat/PlatSearch.h"
 
+#include <fstream>
 #include <numeric>
 #include <set>
 
 #include <sys/stat.h>
 
 #include "plat/PlatDrive.h"
+#include "plat/PlatSpool.h"
 #include "plat/Scene.h"
 
 namespace {
@@ -67,6 +69,30 @@ TEST_F(PlatSearch, DriveTellsItsSpaceAndKind) {
   EXPECT_EQ(plat::freeSpace("C:/dev/shm", bytes) | plat::driveKind("C:\\dev\\shm", kind), 0);
   EXPECT_EQ(bytes, std::filesystem::space("/dev/shm").available);
   EXPECT_EQ(kind, plat::DriveKind::ramDisk);
+}
+
+TEST_F(PlatSearch, ASpoolFileIsReadWithItsAttributesAndNothingElseIs) {
+  std::ofstream(at("file")) << "content";
+  ASSERT_EQ(::chmod(at("file").c_str(), 0444), 0);
+  std::filesystem::create_symlink("file", at("link"));
+  ASSERT_EQ(::mkfifo(at("fifo").c_str(), 0600), 0);
+  plat::SpoolDirectory directory;
+  EXPECT_EQ(directory.open(at("missing")), ENOENT);
+  EXPECT_EQ(directory.open(path()), 0);
+  std::string told;
+  for (const char* name : {"file", "link", "fifo", ".", "missing"}) {
+    char bytes[4];
+    std::size_t length = 0;
+    plat::SpoolFile file;
+    unsigned int bits = 0;
+    const int error = directory.read(name, bytes, sizeof bytes, length, file, bits);
+    told += error == 0 ? std::string(bytes, length) + ":" + std::to_string(file.size) + ":" +
+                             std::to_string(bits)
+                       : std::string(" ") + ::strerrorname_np(error);
+    plat::SpoolFile same;
+    EXPECT_EQ(directory.status(name, same) == 0, error == 0) << name;
+  }
+  EXPECT_EQ(told, "cont:7:1 ELOOP EINVAL EINVAL ENOENT");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <sys/statfs.h>
 
 #include "plat/PlatFile.h"
+#include "plat/PlatSpool.h"
 #include "plat/Scene.h"
 
 static bool onNfs = false;
@@ -22,12 +23,15 @@ int fstatfs(int descriptor, struct statfs* system) noexcept {
 namespace {
 
 struct PlatShare : scene::Directory {
-  static int tryOpen(const std::string& file, plat::Share share, bool write = false) {
+  static plat::OpenMode modeOf(plat::Share share, bool write = false) {
     plat::OpenMode mode;
     mode.read = true;
     mode.write = mode.truncate = write;
     mode.share = share;
-    return plat::File().open(file, mode);
+    return mode;
+  }
+  static int tryOpen(const std::string& file, plat::Share share, bool write = false) {
+    return plat::File().open(file, modeOf(share, write));
   }
   static int denyAll(const std::string& file) { return tryOpen(file, plat::Share::denyAll); }
   static int denyWrite(const std::string& file) { return tryOpen(file, plat::Share::denyWrite); }
@@ -57,6 +61,9 @@ TEST_F(PlatShare, DenyAllIsRefusedWhileAnybodyHoldsTheFile) {
   }
   EXPECT_EQ(denyAll(file), 0) << "free again when the holders have gone";
   EXPECT_EQ(tryOpen(file, plat::Share::denyWrite, true), 0) << "a writer does not exclude itself";
+  plat::File kept;
+  EXPECT_EQ(kept.open(file, modeOf(plat::Share::denyAll)), 0);
+  EXPECT_EQ(tryOpen(file, plat::Share::all), 0) << "the test was over when the open was";
 }
 
 // The lease lasts a moment, in which another process may open the file. That must neither raise a
@@ -75,6 +82,12 @@ TEST_F(PlatShare, TestAndOpenAtTheSameMomentHarmNobody) {
   EXPECT_EQ(other.end(), 0);
 }
 
+TEST_F(PlatShare, TheTestForLeasesLeavesNothingBehind) {
+  EXPECT_EQ(plat::testLeases(path()), 0);
+  EXPECT_EQ(plat::testLeases(at("missing")), ENOENT);
+  EXPECT_TRUE(std::filesystem::is_empty(path()));
+}
+
 TEST_F(PlatShare, WithoutLeasesALockOrAFreshChangeMeansInUse) {
   const std::string fresh = make("fresh");
   const std::string old = makeAged("old", 3);
@@ -83,7 +96,9 @@ TEST_F(PlatShare, WithoutLeasesALockOrAFreshChangeMeansInUse) {
   const auto expectFallback = [&] {
     EXPECT_EQ(denyAll(fresh), EBUSY);
     EXPECT_EQ(denyWrite(fresh), 0);
-    EXPECT_EQ(denyAll(old), 0);
+    plat::File kept;
+    EXPECT_EQ(kept.open(old, modeOf(plat::Share::denyAll)), 0);
+    EXPECT_EQ(denyAll(old), 0) << "the lock was of the moment";
     EXPECT_EQ(denyAll(locked), EBUSY);
     EXPECT_EQ(denyWrite(locked), EBUSY);
     EXPECT_EQ(denyAll(makeAged("ahead", -60)), EBUSY) << "a server's clock may be ahead";
@@ -93,6 +108,7 @@ TEST_F(PlatShare, WithoutLeasesALockOrAFreshChangeMeansInUse) {
   for (const int answer : {EACCES, EINVAL, EAGAIN}) {
     scene::elsewhere([&] {
       scene::refuse(SYS_fcntl, answer, 1, F_SETLEASE);
+      EXPECT_EQ(plat::testLeases(path()), answer);
       EXPECT_EQ(denyAll(old), answer == EAGAIN ? EBUSY : 0);
       onNfs = true;
       expectFallback();

@@ -81,6 +81,7 @@ class Work {
     ::waitpid(m_id, &result, 0);
     return WIFEXITED(result) ? WEXITSTATUS(result) : 128 + WTERMSIG(result);
   }
+  pid_t id() const { return m_id; }
 
  protected:
   pid_t m_id;

@@ -184,5 +184,25 @@ TEST_F(Service, ExitCodesBecomeErrorsWithTexts) {
   EXPECT_EQ(text(1, buffer, sizeof buffer), 87U);
 }
 
+TEST_F(Service, WhatTheDiallerSaidLastIsPartOfItsErrorUnlessThePasswordIsInIt) {
+  const auto text = operation<RasGetErrorStringFunction>("RasGetErrorStringA");
+  char buffer[RAS_ERROR_TEXT_SIZE];
+  for (const auto& [command, wanted] : std::vector<std::pair<std::string, std::string>>{
+           {"echo first; echo 'no line, 100%n' >&2; echo; exit 1", ": no line, 100%n"},
+           {"printf 'a\\033[2Jb\\r\\n'; exit 1", ": a [2Jb"},
+           {"echo \"login with $(cat <&3)\"; exit 1", "."},
+           {"head -c 9999 /dev/zero | tr '\\0' x; exit 1", "."},
+           {"printf '\\n%0300d' 7; exit 1", ": " + std::string(235, '0')}}) {
+    phonebook("[isp]\nCommand = " + m_dialler.path("says") + "\n" + pidLine());
+    m_dialler.write("says", "#!/bin/sh\n" + command + "\n");
+    std::filesystem::permissions(m_dialler.path("says"), std::filesystem::perms::owner_all);
+    EXPECT_EQ(dial("isp", "u", "s3cret"), 635U);
+    EXPECT_EQ(text(635, buffer, sizeof buffer), 0U);
+    EXPECT_EQ(buffer, "The dialler failed" + wanted) << command;
+    EXPECT_EQ(text(691, buffer, sizeof buffer), 0U);
+    EXPECT_STREQ(buffer, "The user name or the password was refused.");
+  }
+}
+
 }  // namespace
 }  // namespace rastest

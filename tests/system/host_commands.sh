@@ -30,8 +30,44 @@ expect_output '1 waiting'
 expect_status 0 "$krxhost" list --json --config "$spool/krx.ini"
 expect_output '"recipients": ['
 
+# An envelope of more than a block, one in the other letter case, and one that talks to a terminal.
+long=$(for i in $(seq 2000); do echo "Recipient: r$i@b"; done)
+put "$spool/in" LONG "" "$long"
+mv "$spool/in/ONE.RCP" "$spool/in/ONE.rcp"
+mv "$spool/in/ONE.MSG" "$spool/in/ONE.msg"
+put "$spool/in" ESC "" $'Return-path: a\e[2J%n@b\nRecipient: c@d'
+for name in READONLY LINKED FIFO; do put "$spool/in" "$name"; done
+chmod 444 "$spool/in/READONLY.RCP"
+ln -sf "$spool/text" "$spool/in/LINKED.MSG"
+rm "$spool/in/FIFO.RCP" && mkfifo "$spool/in/FIFO.RCP"
+expect_status 0 "$krxhost" list --config "$spool/krx.ini"
+expect_output ' <r2000@b>'
+expect_output 'ONE.rcp'
+expect_output 'from <a [2J%n@b> to <c@d>'
+expect_output '3 waiting'
+
+# What lacks its other half, with its age; of a name that only looks like a pair, both halves.
+rm -f "$spool"/in/*
+mkdir "$spool/in/QDXRECVR"
+put "$spool/in" WHOLE
+for lone in in/LEFT.MSG in/QDXRECVR/KEPT.MSG out/HALF.RCP in/FAKE.MSG in/.POINT.MSG in/README; do
+  echo x >"$spool/$lone"
+done
+mkdir "$spool/in/FAKE.RCP"
+touch -d '-1 hour' "$spool/in/LEFT.MSG"
+expect_status 0 "$krxhost" list --incomplete --config "$spool/krx.ini"
+grep -qE '^  LEFT.MSG +2 bytes +36[0-9]{2} s  without its envelope$' "$spool/output" || fail "$(cat "$spool/output")"
+expect_output '2 incomplete'
+grep -qE '^  HALF.RCP .* without its message file$' "$spool/output" || fail "$(cat "$spool/output")"
+[ "$(grep -c ' s  without ' "$spool/output")" -eq 4 ] || fail "$(cat "$spool/output")"
+expect_status 0 "$krxhost" list --incomplete --json --config "$spool/krx.ini"
+for row in FAKE.MSG:envelope LEFT.MSG:envelope HALF.RCP:message KEPT.MSG:envelope; do
+  tr -d ' \n' <"$spool/output" | grep -qE "\"name\":\"${row%:*}\",\"size\":2,\"age\":[0-9]+,\"lacks\":\"${row#*:}\"" ||
+    fail "$row: $(cat "$spool/output")"
+done
+rm -rf "$spool"/in/* "$spool"/out/*
+
 # send, and take it in again
-rm "$spool"/in/*
 printf 'Hello\n.\nlast' >"$spool/text"
 printf '\x00\x01binary\r\n.\r\n' >"$spool/data.bin"
 expect_status 0 "$krxhost" send --config "$spool/krx.ini" --post-office Main --from ann@a \
@@ -45,6 +81,17 @@ expect_output '\u0000\u0001binary\r\n.\r\n'
 expect_output 'Hello\r\n.\r\nlast'
 expect_status 64 "$krxhost" send --config "$spool/krx.ini" --post-office Main --from "<>" --to b@b
 expect_status 78 "$krxhost" send --config "$spool/krx.ini" --post-office No --from a@a --to b@b
+
+for file in missing in; do
+  expect_status 74 "$krxhost" send --config "$spool/krx.ini" --post-office Main --from a@a --to b@b \
+    --body "$spool/$file"
+  [ "$file" = in ] && reason="Is a directory" || reason="No such file or directory"
+  expect_output "$spool/$file cannot be read, $reason."
+done
+expect_files "$spool/out"
+expect_status 0 "$krxhost" send --config "$spool/krx.ini" --post-office Main --from a@a --to b@b \
+  --body <(echo from a pipe)
+grep -q 'from a pipe' "$spool"/out/*.MSG || fail "a pipe as body"
 
 # A half-written pair waits until it is complete; a host that polls ends when it is asked to.
 rm -f "$spool"/in/* "$spool"/out/*

@@ -56,6 +56,7 @@ expect_status 78 "$krxhost" check --config "$spool/krx.ini"
 expect_output 'Error in configuration section Line,Phonebook entry "nobody" does not exist.'
 KRX_RAS_LIBRARY=$spool/missing.so expect_status 78 "$krxhost" check --config "$spool/krx.ini"
 expect_output 'Failed to link to the RAS API, is it installed?'
+expect_output "RASAPI32.DLL cannot be loaded, $spool/missing.so: cannot open shared object file"
 
 # One host polls rarely; the dial of another's post office wakes it.
 only() { sed -i "/^PostOffice = /d; s/^\[Host\]/[Host]\nPostOffice = $1/" "$spool/krx.ini"; }
@@ -99,10 +100,11 @@ if command -v pppd >/dev/null; then
   start pppd
   pppd=$!
   for _ in $(seq 60); do
-    grep -q "Line:Error in initiating RAS dial up connection RasError ." "$spool/pppd.log" && break
+    grep -q "Line:Error in initiating RAS dial up connection RasError [^:]*: ." "$spool/pppd.log" && break
     sleep 0.1
   done
-  grep "RasError" "$spool/pppd.log" || fail "no dial error: $(cat "$spool/pppd.log")"
+  grep "RasError [^:]*: ." "$spool/pppd.log" || fail "no dial error: $(cat "$spool/pppd.log")"
+  grep -q s3cret "$spool/pppd.log" && fail "the password is in the log"
   [ -e "$spool/connected" ] && fail "the command ran without a line"
   kill -TERM "$pppd"
   wait "$pppd" || fail "the host ended with $?"

@@ -11,6 +11,19 @@ expect_output "cannot be read, status 1822"
 
 configure
 expect_status 0 "$krxhost" check --config "$spool/krx.ini"
+expect_output 'SourceDir of post office "Main": files in use are told by leases.'
+expect_files "$spool/in"
+chmod o+w "$spool/in"
+chmod 1777 "$spool/out"
+expect_status 0 "$krxhost" check --config "$spool/krx.ini"
+expect_output "SourceDir of post office \"Main\", $spool/in, can be written by everybody, and has no sticky bit"
+expect_output "DestDir of post office \"Main\", $spool/out, can be written by everybody, but has the sticky bit"
+chmod 750 "$spool/in" "$spool/out"
+if strace -o /dev/null true 2>/dev/null; then
+  ASAN_OPTIONS=detect_leaks=0 expect_status 0 strace -o /dev/null -e inject=fcntl:error=ENOLCK \
+    "$krxhost" check --config "$spool/krx.ini"
+  expect_output 'told by locks and age, for leases do not work there, No locks available.'
+fi
 configure "Foo = bar"
 expect_status 78 "$krxhost" check --config "$spool/krx.ini"
 expect_output 'Error in configuration section Main, unrecognised configuration directive "Foo".'
@@ -53,6 +66,13 @@ wait "$holder" 2>/dev/null
 sleep 0.1
 pkill -P "$holder" 2>/dev/null
 
+# A link where the lock should be leads nowhere.
+echo precious >"$spool/precious"
+ln -sf "$spool/precious" "$spool/in/.krxhost"
+expect_status 74 "$krxhost" run --once --config "$spool/krx.ini"
+expect_output 'Too many levels of symbolic links'
+[ "$(cat "$spool/precious")" = precious ] || fail "the lock was written through a link"
+
 # Mail that can be neither delivered nor kept stays, and the program says so.
 rm -f "$spool/in/.krxhost"
 put "$spool/in" A "" "no envelope"
@@ -62,4 +82,10 @@ expect_output 'Message A.RCP stays where it is'
 expect_output 'fetched 1, delivered 0, kept 0, failed 1'
 expect_files "$spool/in" A.MSG A.RCP QDXRECVR
 KRX_MODULE=$spool/missing.so expect_status 69 "$krxhost" check --config "$spool/krx.ini"
+expect_output "cannot be loaded, $spool/missing.so: cannot open shared object file: No such file or directory."
+echo "no library" >"$spool/broken.so"
+KRX_MODULE=$spool/broken.so expect_status 69 "$krxhost" check --config "$spool/krx.ini"
+expect_output "broken.so: file too short."
+KRX_MODULE=$build/lib/RASAPI32.so expect_status 69 "$krxhost" check --config "$spool/krx.ini"
+expect_output "RASAPI32.so has no KRX_GetMailAccessObject."
 finish

@@ -37,6 +37,30 @@ put "$spool/office/in" BAD02 $'Subject: other\n\nx\n.' $'Return-path: <>\nRecipi
 expect_status 0 "$krxhost" run --config "$spool/example.ini" --once
 expect_files "$spool/office/in/QDXRECVR" BAD01.{MSG,RCP,txt} BAD02.{MSG,RCP,txt} BAD02-1.{MSG,RCP,txt}
 
+# What looks like a format is text, wherever it comes from.
+rm -rf "$spool"/in/* "$spool"/out/* "$spool/log/"*
+cat >"$spool/format.ini" <<EOF
+[Host]
+PostOffice = %n%s
+Log = Log
+$(sed -n '/^\[Log\]/,$p' "$spool/example.ini")
+[%n%s]
+SourceDir = $spool/in
+DestDir = $spool/out
+MailDomain = %n%s
+ContainerClass = %n%s
+PODownFile = $spool/%n%s.down
+EOF
+put "$spool/in" %n%s $'Subject: %n%s\nFrom: %n%s@a\nX-%n: %s\nDate: %n\nMIME-Version: 1.0\nContent-Type: %n/%s; name="%n%s"\n\n%n%s\n.' \
+  $'Return-path: %n%s@a\nRecipient: %n%s\nX-%n: %s'
+put "$spool/in" BAD%n%s "" '%n%s'
+expect_status 0 "$krxhost" run --config "$spool/format.ini" --once
+expect_output "fetched 2, delivered 1, kept 1, failed 0"
+grep -q '%n%s' "$spool/out/%n%s.MSG" || fail "$(ls "$spool/out")"
+grep -q '^Recipient: %n%s' "$spool/out/%n%s.RCP" || fail "$(cat "$spool/out/%n%s.RCP")"
+grep -qF 'BAD%n%s.RCP could not be loaded' "$spool"/log/main*.log || fail "$(cat "$spool"/log/main*.log)"
+grep -qF '"%n%s@a"' "$spool"/log/*.log || fail "$(cat "$spool"/log/*.log)"
+
 # A log disk without room costs lines, not mail. The disk is there for this one process.
 put "$spool/office/in" FULL01
 private="unshare -m"

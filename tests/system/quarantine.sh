@@ -37,6 +37,20 @@ expect_files "$spool/out" BAD.MSG BAD.RCP $(cd "$spool/out" && ls GOOD*)
 expect_status 69 "$krxhost" retry --config "$spool/krx.ini" --post-office Main BAD
 expect_output "cannot be put back"
 
+# Somebody else's files in the place of a reason neither hold up the host nor are written into.
+rm -f "$kept"/*
+echo precious >"$spool/precious"
+put "$kept" HANG
+mkfifo "$kept/HANG.txt"
+put "$spool/in" BAD "" "no envelope"
+ln -s "$spool/precious" "$kept/BAD.txt"
+ln -s "$spool/precious" "$kept/BAD.txt~"
+expect_status 0 timeout 20 "$krxhost" run --once --config "$spool/krx.ini"
+expect_output "fetched 1, delivered 0, kept 1, failed 0"
+expect_status 0 timeout 20 "$krxhost" list --config "$spool/krx.ini"
+expect_output "HANG.RCP"
+[ "$(cat "$spool/precious")" = precious ] || fail "a reason was written through a link"
+
 # A name that is taken is not replaced.
 rm -f "$kept"/*
 put "$kept" SAME
