@@ -2,6 +2,7 @@
 // lock, with its name only when it is whole; so a reader never sees an envelope without its whole
 // message, nor half an envelope, whatever moment the process or the machine ends at. A guard
 // owns the message file until the envelope is complete.
+#include <cerrno>
 #include <memory>
 
 #include "dac/DACFILDA.h"
@@ -10,6 +11,7 @@
 #include "krx/krxdraw.h"
 #include "krx/krxmemory.h"
 #include "krx/krxmsg.h"
+#include "plat/PlatError.h"
 #include "plat/PlatFile.h"
 
 namespace {
@@ -132,9 +134,12 @@ void KRX_Message::completePair(KRX_FileGuard& messageFile, unsigned int& status)
     return;
   }
   writeEnvelope(file, status);
+  plat::clearFailure();
   file.commit(status);
   if (status == 0) {
     envelope.own();
+  } else if (plat::lastFailure().error == EEXIST) {
+    status = KRX_ENVELOPE_CREATE;  // somebody took the name, which a late envelope gets only now
   }
   file.close(status);
   if (status == 0 && plat::commitDirectory(m_dst_dir.view()) != 0) {

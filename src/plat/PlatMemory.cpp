@@ -13,6 +13,8 @@ namespace {
 
 constexpr int KEPT_BYTES = 128 << 20;
 constexpr std::size_t LEAST_MAPPING = std::size_t{16} << 20;
+// Here a block may be copied when it grows: it takes twice the need, so that it grows less often.
+constexpr std::size_t LEAST_AHEAD = std::size_t{64} << 10;
 // A mapping takes addresses ahead of the need, which cost nothing.
 constexpr std::size_t AHEAD = 4;
 
@@ -49,6 +51,10 @@ bool GrowingBlock::grow(std::size_t size, std::size_t used) noexcept {
   if (size >= LEAST_MAPPING && (map(size * AHEAD, used) || map(size, used))) {
     return true;
   }
+  return reallocate(size >= LEAST_AHEAD ? size * 2 : size) || reallocate(size);
+}
+
+bool GrowingBlock::reallocate(std::size_t size) noexcept {
   auto* data = static_cast<char*>(std::realloc(m_data, size));
   if (data == nullptr) {
     return false;

@@ -28,6 +28,7 @@ class GrowingBlock {
   bool comesZeroed() const noexcept { return m_isMapped; }
 
  private:
+  bool reallocate(std::size_t size) noexcept;
   bool map(std::size_t size, std::size_t used) noexcept;
   bool remap(std::size_t size) noexcept;
 

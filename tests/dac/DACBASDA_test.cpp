@@ -224,7 +224,10 @@ TEST_F(AccessTest, CopiesGoWhereTheCursorStands) {
   m_object.copyTo(nullptr, 0, m_status);
   EXPECT_EQ(m_status, 0U);
   m_object.copyTo(&destination, -1, m_status);
-  EXPECT_EQ(m_status, DAC_NEGATIVE_POSITION);
+  EXPECT_EQ(std::exchange(m_status, 0), DAC_NEGATIVE_POSITION);
+  destination.setPosition(2147483646, m_status);
+  m_object.copyTo(&destination, 0, m_status);
+  EXPECT_EQ(m_status, DAC_NO_MEMORY);
 }
 
 TEST_F(AccessTest, PointerSharesContentButNotNewAttributes) {

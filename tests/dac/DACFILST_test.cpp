@@ -113,7 +113,22 @@ TEST_F(FileTest, MoreThanPositionsReachIsRefused) {
   EXPECT_EQ(growing.read(20, bytes, m_status), 7);
   EXPECT_EQ(growing.getPosition(), 2147483647);
   EXPECT_EQ(growing.read(20, bytes, m_status), 0);
-  EXPECT_EQ(m_status, DAC_END);
+  EXPECT_EQ(std::exchange(m_status, 0), DAC_END);
+  put(growing, "x");
+  EXPECT_EQ(m_status, DAC_WRITE);
+  EXPECT_EQ(growing.getPosition(), 2147483647);
+}
+
+TEST_F(FileTest, WhatWasJustWrittenIsReadAndNotLost) {
+  File file(path("f").c_str(), File::CREATE, m_status);
+  put(file, "abc");
+  file.setPosition(1, m_status);
+  char bytes[2];
+  EXPECT_EQ(file.read(2, bytes, m_status), 2);
+  EXPECT_EQ(std::string(bytes, 2), "bc");
+  file.close(m_status);
+  EXPECT_EQ(m_status, 0U);
+  EXPECT_EQ(fileContent("f"), "abc");
 }
 
 TEST_F(FileTest, CreatedFileIsWrittenInPlaceAtFlush) {

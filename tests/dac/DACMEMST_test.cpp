@@ -75,6 +75,7 @@ TEST(MemoryStream, RefusesPlacesThatDoNotExist) {
     object.readAt(p, 0, nullptr, s);
     object.readAt(p, -1, buffer, s);
     object.writeAt(p, -1, "x", s);
+    object.fill(-1, 'x', s);
   };
   EXPECT_EQ(at(-1, read) + at(2, read), "10017@-110016@2");
   EXPECT_EQ(buffer[0], '\0');
@@ -142,6 +143,8 @@ TEST(SubRange, EndsWhereItsBaseEnds) {
   EXPECT_EQ(range.read(5, buffer, status), 2);
   EXPECT_EQ(range.read(5, buffer, status), 0);
   EXPECT_EQ(std::exchange(status, 0), DAC_END);
+  EXPECT_EQ(DAC_SubRangeDataAccess(base, 2, 3).read(5, buffer, status), 3);
+  EXPECT_EQ(DAC_SubRangeDataAccess(base, 2, -1).size(status), 0);
   base.setSize(3, status);
   EXPECT_EQ(range.size(status), 0);
 }

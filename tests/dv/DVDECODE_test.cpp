@@ -23,9 +23,11 @@ const char* const LEVELS = "{ Brief | Normal | Verbose | Debug }";
 
 // The result, and after a match the record: as 32-bit words, or as bytes ("." for a zero).
 std::string words(const char* pattern, const char* input, unsigned int count) {
-  std::vector<std::uint32_t> record(count, 0xEEEEEEEE);
+  constexpr std::uint32_t BEHIND = 0xEEEEEEEE;
+  std::vector<std::uint32_t> record(count + 1, BEHIND);
   int furthest = 0;
   const int result = dv::decode(pattern, false, record.data(), count * 4, furthest, input);
+  EXPECT_EQ(record[count], BEHIND) << "written past the record by " << pattern;
   std::string text = std::to_string(result);
   for (std::size_t i = 0; result >= 0 && i < count; ++i) {
     text += (i == 0 ? " [" : ",") + std::to_string(record[i]);

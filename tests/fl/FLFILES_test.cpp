@@ -3,6 +3,7 @@
 
 #include "fl/BrokenDevice.h"
 #include "fl/Folder.h"
+#include "fl/FullDisk.h"
 #include "gmock/gmock.h"
 #include "plat/Scene.h"
 
@@ -88,6 +89,10 @@ TEST_F(Files, WhatTheDeviceRefusesIsToldStepByStep) {
   EXPECT_EQ(fl::copyFile("/proc/self/mem", folder.path("copy").c_str()),
             473U);  // it has no first byte
   EXPECT_EQ(fl::moveFile(file.c_str(), "/proc/self/moved"), 479U);
+  {
+    const FullDisk full(0);
+    EXPECT_EQ(copy("a", "full"), 472U);
+  }
   const BrokenDevice broken("close", EIO);
   EXPECT_EQ(copy("a", "closed"), 498U);
   EXPECT_EQ(folder.read("a") + folder.read("closed"), "xx");

@@ -6,6 +6,7 @@
 #include "fl/Folder.h"
 #include "gmock/gmock.h"
 #include "plat/PlatFile.h"
+#include "plat/Scene.h"
 
 namespace {
 
@@ -58,6 +59,10 @@ TEST(Search, EveryEndHasItsStatus) {
   EXPECT_EQ(found(folder.path("*"), 0) + found(folder.path("none/*"), 0), "452452");
   std::filesystem::create_symlink("ring", folder.path("ring"));
   EXPECT_EQ(found(folder.path("ring/*"), 0), "451");  // cannot be read, which is not empty
+  scene::elsewhere([&] {
+    scene::refuse(SYS_getdents64, EIO);
+    EXPECT_EQ(found(folder.path("*"), 0), "451");
+  });
 }
 
 TEST(Search, AShortBufferHoldsWhatFitsAndTheSearchGoesOn) {

@@ -2,6 +2,7 @@
 #include "fl/FLTEXT.h"
 
 #include "fl/Folder.h"
+#include "fl/FullDisk.h"
 #include "gmock/gmock.h"
 #include "scl/Failure.h"
 
@@ -57,12 +58,11 @@ TEST(TextFile, ModesTruncateAppendAndUpdate) {
 TEST(TextFile, AFullDiskIsToldAtTheLatestByClose) {
   const Folder folder;
   FL_TextFile file;
-  plat::OpenMode mode;
-  mode.write = true;
-  mode.regularOnly = false;
   ASSERT_EQ(file.openForOutput(folder.path("a.txt").c_str(), 4), 0);
-  ASSERT_EQ(file.file().open("/dev/full", mode), 0);
+  const FullDisk full(0);
   EXPECT_EQ(file.writeLine("x"), 0);
+  EXPECT_EQ(file.commit(), -1);
+  EXPECT_EQ(file.commit(), -1) << "what was lost once stays lost";
   EXPECT_EQ(file.close(), -1);
 }
 

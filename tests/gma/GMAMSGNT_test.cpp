@@ -61,6 +61,7 @@ TEST_F(TextTest, TheNewBodyTakesTheOldOnesAttributesAndTheNoteOnIt) {
   message.getBody()->setIntegerAttribute("AttachmentSize", 3);
   message.m_described = message.getBody();
   append("new\n");
+  EXPECT_EQ(message.m_described, message.getBody());
   prepend("newer\n");
   EXPECT_EQ(gmatest::attributesOf(message.getBody()->attributes()), "AttachmentSize=#3;");
   EXPECT_EQ(message.m_described, message.getBody());
@@ -158,7 +159,9 @@ TEST_F(TextTest, TheDumpShowsEveryField) {
 }
 
 TEST_F(TextTest, TheListingShowsAddressesHeadersAttributesAndASummary) {
-  message.addAddress(GMA_Maddr(gma::FROMADDR, "joe", "example"));
+  GMA_Maddr sender(gma::FROMADDR, "joe", "example");
+  sender.setOriginal("joe@example\r\nforged");
+  message.addAddress(sender);
   message.addAddress(GMA_Maddr(gma::SENTTOADDR, "sent", "example"));
   message.addAddress(GMA_Maddr(gma::TOADDR, "to", "example"));
   message.headers().add(GMA_Mhdr(gma::SUBJECT, "%s\r\nforged"));
@@ -172,16 +175,17 @@ TEST_F(TextTest, TheListingShowsAddressesHeadersAttributesAndASummary) {
   message.getItemData(0)->setIntegerAttribute("Size", 3);
   message.addItem(nullptr, true);
   message.dumpContents("Mail");
-  EXPECT_EQ(gmatest::logText(),
-            "1 1/2 Contents of \"Mail\"\n1 1/2 \tAddress List\n1 1/2 \t\tFrom = \"joe@example\"\n"
-            "1 1/2 \t\tSentTo = \"sent@example\"\n1 1/2 \t\tTo = \"to@example\"\n"
-            "1 1/2 \tHeaders\n1 1/2 \t\tSUBJECT = \"%s  forged\"\n"
-            "1 1/2 \t\tX_HEADER::X-Own = \"one\"\n1 1/2 \t\t\t\"two\"\n1 1/2 \t\tCOMMENTS = \"\"\n"
-            "1 1/2 \tAttributes\n1 1/2 \t\tA = \"a\"\n1 1/2 \t\tN = -2\n"
-            "1 8/2 Attribute for Attachment 0\n1 8/2 \tAttribute 'Title' = 't'\n"
-            "1 8/2 \tAttribute 'Size' = 3\n1 8/2 Attribute for Attachment 1\n"
-            "0 1/1 Mail, From Address \"joe@example\", To address \"to@example\", "
-            "Message Subject \"%s  forged\"\n");
+  EXPECT_EQ(
+      gmatest::logText(),
+      "1 1/2 Contents of \"Mail\"\n1 1/2 \tAddress List\n1 1/2 \t\tFrom = \"joe@example  forged\"\n"
+      "1 1/2 \t\tSentTo = \"sent@example\"\n1 1/2 \t\tTo = \"to@example\"\n"
+      "1 1/2 \tHeaders\n1 1/2 \t\tSUBJECT = \"%s  forged\"\n"
+      "1 1/2 \t\tX_HEADER::X-Own = \"one\"\n1 1/2 \t\t\t\"two\"\n1 1/2 \t\tCOMMENTS = \"\"\n"
+      "1 1/2 \tAttributes\n1 1/2 \t\tA = \"a\"\n1 1/2 \t\tN = -2\n"
+      "1 8/2 Attribute for Attachment 0\n1 8/2 \tAttribute 'Title' = 't'\n"
+      "1 8/2 \tAttribute 'Size' = 3\n1 8/2 Attribute for Attachment 1\n"
+      "0 1/1 Mail, From Address \"joe@example  forged\", To address \"to@example\", "
+      "Message Subject \"%s  forged\"\n");
 }
 
 TEST_F(TextTest, TheSummaryNamesTheRecipientOfTheBestRank) {

@@ -38,7 +38,7 @@ TEST_F(Envelope, WhatIsNoEnvelopeIsRefused) {
   const std::string half(600, 'a');
   for (const std::string& bad : {start + "no field\n", std::string(" starts with a blank: x\n"),
                                  start + "\ntext after the block\n", start + "bad-header: x\n",
-                                 start + "X: " + std::string(1200, 'a') + "\n",
+                                 start + "X: " + std::string(1084, 'a') + "Recipient: a@b\n",
                                  start + "Recipient: " + std::string(1077, 'a') + "\n",
                                  start + "Recipient: " + half + "\n " + half + "\n"}) {
     EXPECT_EQ(load(PLAIN, bad).substr(0, 13), "status 11981\n") << bad.substr(0, 60);
@@ -48,6 +48,22 @@ TEST_F(Envelope, WhatIsNoEnvelopeIsRefused) {
   for (const char* none : {"Return-path: <>\nRecipient: a@b\n", "Recipient: <postmaster>\n"}) {
     EXPECT_EQ(load(PLAIN, none), "status 10132\n");
   }
+}
+
+TEST_F(Envelope, MoreThanTheTablesHoldIsRefusedAndTold) {
+  std::string headers;
+  std::string recipients;
+  for (int i = 0; i < 65536; ++i) {
+    headers += "X:\n";
+    recipients += "Recipient: " + std::to_string(i) + "\n";
+  }
+  EXPECT_THAT(load(PLAIN, headers), testing::StartsWith("status 11981\n"));
+  EXPECT_THAT(load(PLAIN, recipients + "Recipient: 0\n"), testing::StartsWith("status 11981\n"));
+  EXPECT_EQ(takeLogText(),
+            "11:1 Too many headers, the rest is left out.\n"
+            "11:1 Message M.RCP could not be loaded, status 11981.\n"
+            "11:1 Too many addresses, the rest is left out.\n"
+            "11:1 Message M.RCP could not be loaded, status 11981.\n");
 }
 
 TEST_F(Envelope, ARelayedAddressMarksTheMessageAndTheMailCannotChangeTheMark) {

@@ -1,14 +1,22 @@
 // Pairs on their way: found and fetched, kept by save, removed, and delivered.
+#include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <new>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include "dac/DACMEMDA.h"
+#include "fl/FullDisk.h"
+#include "gen/GENCATCH.h"
 #include "gen/GENWNT.h"
+#include "gen/Variable.h"
 #include "krx/Support.h"
 #include "krx/krxmaddr.h"
 #include "krx/krxspool.h"
@@ -17,6 +25,43 @@
 #include "plat/PlatPath.h"
 #include "scl/Failure.h"
 #include "scl/SCLEXCPT.h"
+
+static int failingCommit = 0;
+static int rivalCommit = 0;
+static std::string rivalName;
+
+// The so many-th from now fails, or is the moment in which a rival makes a file.
+int fsync(int descriptor) {
+  if (rivalCommit > 0 && --rivalCommit == 0) {
+    std::ofstream(rivalName) << "theirs";
+  }
+  if (failingCommit > 0 && --failingCommit == 0) {
+    errno = EIO;
+    return -1;
+  }
+  return static_cast<int>(::syscall(SYS_fsync, descriptor));
+}
+
+static int failingAllocation = 0;
+
+// The same of allocations.
+static void* allocate(std::size_t size) noexcept {
+  const bool fails = failingAllocation > 0 && --failingAllocation == 0;
+  return fails ? nullptr : std::malloc(size);
+}
+void* operator new(std::size_t size) {
+  void* const memory = allocate(size);
+  return memory != nullptr ? memory : throw std::bad_alloc();
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return allocate(size);
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
 
 namespace krxtest {
 namespace {
@@ -89,20 +134,42 @@ TEST_F(Fetch, PairsThatArriveWhileTheSearchGoesOnAreFound) {
   EXPECT_EQ(nextName(), "none");
 }
 
+// Puts something that is no regular file where a file of a pair should be. A device needs a
+// privilege; without it there is none.
+void putOdd(const std::string& kind, const std::string& path) {
+  fs::remove(path);
+  if (kind == "LINK") {
+    fs::create_symlink("RO.MSG", path);
+  } else if (kind == "DIR") {
+    fs::create_directory(path);
+  } else if (kind == "DEVICE") {
+    ::mknod(path.c_str(), S_IFCHR | 0600, ::makedev(1, 3));
+  } else {
+    ASSERT_EQ(::mknod(path.c_str(), (kind == "FIFO" ? S_IFIFO : S_IFSOCK) | 0600, 0), 0);
+    fs::last_write_time(path, fs::last_write_time(path) - std::chrono::hours(1));
+  }
+}
+
 TEST_F(Fetch, WhatIsNoFreePairIsSkippedAndStays) {
-  for (const std::string& name : std::vector<std::string>{
-           "RO", "LINK", "FIFO", "ALONE", ".POINT", "a?b", "a\\..\\x", std::string(251, 'x')}) {
+  std::vector<std::string> names{"RO",   "ALONE",      ".POINT",
+                                 "a?b",  "a\\..\\x",   "C:x",
+                                 "a\nb", "..\\in\\RO", std::string(251, 'x')};
+  for (const char* kind : {"LINK", "FIFO", "SOCKET", "DEVICE", "DIR"}) {
+    for (const char* half : {"RCP", "MSG"}) {
+      names.push_back(std::string(kind) + half);
+    }
+  }
+  for (const std::string& name : names) {
     for (const char* extension : {".RCP", ".MSG"}) {
-      std::ofstream(native(in()) + name + extension) << "Recipient: a@b\r\n";
+      const std::string path = native(in()) + name + extension;
+      std::ofstream(path) << "Recipient: a@b\r\n";
+      if (name.size() > 5 && name.ends_with(extension + 1)) {
+        putOdd(name.substr(0, name.size() - 3), path);
+      }
     }
   }
   setMode("RO.RCP", 0444);
-  for (const char* name : {"LINK.MSG", "FIFO.MSG", "ALONE.MSG"}) {
-    fs::remove(native(in() + name));
-  }
-  fs::create_symlink(native(in() + "RO.MSG"), native(in() + "LINK.MSG"));
-  ASSERT_EQ(::mkfifo(native(in() + "FIFO.MSG").c_str(), 0600), 0);
-  fs::create_directory(native(in() + "DIR.RCP"));
+  fs::remove(native(in() + "ALONE.MSG"));
   const std::vector<std::string> before = filesIn(in());
   EXPECT_EQ(nextName(), "none");
   put("GOOD", PLAIN);
@@ -111,6 +178,15 @@ TEST_F(Fetch, WhatIsNoFreePairIsSkippedAndStays) {
   ::close(writer);
   EXPECT_EQ(nextName(), "GOOD");
   EXPECT_EQ(filesIn(in()), before);
+}
+
+TEST_F(Fetch, AHardLinkLosesItsNameAndNothingElse) {
+  put("A", PLAIN);
+  const std::string outside = native(m_directory.path() + "outside");
+  fs::create_hard_link(native(in() + "A.MSG"), outside);
+  EXPECT_EQ(nextName(), "A");
+  EXPECT_THAT(filesIn(in()), IsEmpty());
+  EXPECT_EQ(withLf(readFile(outside)), PLAIN);
 }
 
 TEST_F(Fetch, EitherLetterCaseOfTheExtensionMakesAPair) {
@@ -179,6 +255,9 @@ TEST_F(Fetch, AMessageStoredUnderAnotherNameStillKeepsAndRemovesItsOwnPair) {
   auto message = fetched(PLAIN);
   writeFile(out() + "M.MSG", "somebody else's");
   EXPECT_EQ(store(*message), 0U);
+  unsigned int status = 0;
+  message->loadMessage(status);
+  EXPECT_EQ(status, 0U);
   const std::string renamed = baseName(*message) + ".MSG";
   writeFile(in() + renamed, "a stranger's");
   EXPECT_EQ(save(*message), 0U);
@@ -200,6 +279,22 @@ TEST_F(Fetch, AHalfCopyIsTakenBackAndWhatWasThereStays) {
     EXPECT_EQ(readFile(receiver() + name), "earlier");
     fs::remove(native(receiver() + name));
   }
+}
+
+TEST_F(Fetch, WhatIsSavedIsOnTheDiskOrNotThere) {
+  const Variable commits("KRX_COMMIT", "1");
+  const auto message = fetched(PLAIN);
+  fs::create_directory(native(receiver()));
+  {
+    const FullDisk full(0);
+    EXPECT_EQ(save(*message), 472U);
+  }
+  for (const int at : {1, 2, 3}) {  // the message file, the envelope, the directory
+    failingCommit = at;
+    EXPECT_EQ(save(*message), 472U) << at;
+    EXPECT_THAT(filesIn(receiver()), IsEmpty()) << at;
+  }
+  EXPECT_EQ(save(*message), 0U);
 }
 
 TEST_F(Fetch, ALinkedReceiverDirectoryIsRefused) {
@@ -272,12 +367,17 @@ TEST_F(Store, NoBaseNameLeadsOutOfTheSpool) {
   const std::string longest(200, 'x');
   for (const std::string& id : std::vector<std::string>{
            "<..\\..\\x@y>", "<../x@y>", "<a/b@y>", "<C:x@y>", "<.x@y>", "<x.@y>", "< @y>",
-           "<a*b@y>", "<@y>", "<x>", "x@y", "<" + longest + "x@y>"}) {
+           "<a*b@y>", "<a\tb@y>", "<@y>", "<x>", "x@y", "<" + longest + "x@y>"}) {
     const std::string name = storedAs(id);
     EXPECT_TRUE(name.size() == 14 && name[0] == 'C') << id << " gave " << name;
   }
   EXPECT_THAT(filesIn(m_directory.path()), ElementsAre("in", "out"));
   EXPECT_EQ(storedAs("<" + longest + "@y>"), longest);
+  const auto twice = identified("<a/b@y>");
+  twice->headers().add(GMA_Mhdr(gma::RCPMESSAGEID, "<c/d@y>"));
+  EXPECT_EQ(store(*twice), 0U);
+  EXPECT_EQ(outEnvelope(baseName(*twice)),
+            "Message-ID: <" + baseName(*twice) + "@here>\nReturn-path: \n");
 }
 
 TEST_F(Store, NamesAreDrawnFromTheClockUntilOneIsFreeOrTheDrawsAreUsedUp) {
@@ -326,6 +426,67 @@ TEST_F(Store, AFailureLeavesNoMessageFile) {
   message->addAddress(KRX_Maddr(130, "a type without a field", "x"));
   EXPECT_EQ(failureOf([&] { store(*message); }), "Bad value in switch in krxmsg");
   EXPECT_THAT(filesIn(out()), IsEmpty());
+}
+
+TEST_F(Store, WhatIsDeliveredIsOnTheDiskOrNotThere) {
+  const Variable commits("KRX_COMMIT", "1");
+  const auto message = identified("<A@x>");
+  message->setBody(newContent("text\r\n"));
+  {
+    const FullDisk full(0);
+    EXPECT_EQ(store(*message), 10034U);
+  }
+  for (const int at : {1, 2, 3}) {  // the message file, the envelope, the directory
+    failingCommit = at;
+    EXPECT_EQ(store(*message), 10034U) << at;
+    EXPECT_THAT(filesIn(out()), IsEmpty()) << at;
+  }
+  EXPECT_EQ(store(*message), 0U);
+}
+
+TEST_F(Store, ANameThatARivalTakesMeanwhileStaysTheRivals) {
+  const auto message = identified("<A@x>");
+  rivalName = native(out() + "A.RCP");
+  rivalCommit = 2;  // that of the envelope
+  EXPECT_EQ(store(*message), 11972U);
+  EXPECT_THAT(filesIn(out()), ElementsAre("A.RCP"));
+  EXPECT_EQ(fs::file_size(rivalName), 6U);
+}
+
+// A mail that is not whole comes with a status; one that does not come stays.
+TEST_F(Store, WhicheverAllocationFailsNoMailIsLostOrHalfDelivered) {
+  const std::string whole = load(PLAIN);
+  EXPECT_EQ(whole.find("status"), std::string::npos);
+  for (int at = 1, left = 0; left == 0; ++at) {
+    put("M", PLAIN);
+    std::unique_ptr<GMA_Message> message;
+    unsigned int status = 0;
+    failingAllocation = at;
+    const auto failure = GENCatch([&] { message.reset(m_office->nextMessage(status)); });
+    left = std::exchange(failingAllocation, 0);
+    EXPECT_TRUE(ForeignLock(in()).held) << at;
+    EXPECT_NE(message != nullptr, failure.has_value()) << at;
+    if (failure) {
+      EXPECT_THAT(*failure, testing::StartsWith("!!Assert: Null pointer")) << at;
+      EXPECT_THAT(filesIn(in()), ElementsAre("M.MSG", "M.RCP")) << at;
+    } else if (status == 0) {
+      EXPECT_EQ(describe(*message), whole) << at;
+    }
+  }
+  for (int at = 1, left = 0; left == 0; ++at) {
+    const auto message = identified("<A@x>");
+    message->setBody(newContent("text\r\n"));
+    unsigned int status = 0;
+    failingAllocation = at;
+    const auto failure = GENCatch([&] { message->storeMessage(status); });
+    left = std::exchange(failingAllocation, 0);
+    EXPECT_TRUE(ForeignLock(out()).held) << at;
+    const bool isDelivered = !failure && status == 0;
+    EXPECT_EQ(filesIn(out()).size(), isDelivered ? 2U : 0U) << at;
+    fs::remove(native(out() + "A.MSG"));
+    fs::remove(native(out() + "A.RCP"));
+  }
+  takeLog();
 }
 
 TEST_F(Store, AThrowUnderTheLockReleasesItAndLeavesNoMessageFile) {

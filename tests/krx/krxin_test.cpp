@@ -1,5 +1,5 @@
 // The message file on its way in.
-#include "dac/DACBASDA.h"
+#include "dac/DACMEMDA.h"
 #include "dv/DVDATE.h"
 #include "gen/Variable.h"
 #include "krx/Support.h"
@@ -102,7 +102,7 @@ TEST_F(Inbound, BadStructureIsAStatusOrALogEntry) {
 }
 
 TEST_F(Inbound, LongLinesArriveWholeAndOnlyTheirStartIsTested) {
-  const std::string tail = "\n.y\n" + std::string(2047, 'z') + "..dots\n";
+  const std::string tail = "\n.y\n-" + std::string(2046, 'z') + "..dots\n";
   for (const std::size_t length : {2046U, 2047U, 2048U, 4094U, 5000U}) {
     const std::string line(length, 'x');
     EXPECT_EQ(read("A: b\n\n" + line + "\n." + tail.substr(1)),
@@ -153,6 +153,44 @@ TEST_F(Inbound, TooManyPreambleLinesAreCutAndTold) {
   EXPECT_EQ(message->headers().findByType(gma::PREAMBLE)->value().count(), 65535);
   EXPECT_EQ(content(*message->getBody()), "text\r\n");
   EXPECT_EQ(takeLogText(), "11:1 Too many preamble lines, the rest is left out.\n");
+}
+
+TEST_F(Inbound, TooManyItemsAreRefusedAndTold) {
+  std::string parts;
+  for (int i = 0; i < 65537; ++i) {  // the body, what the list holds, and one more
+    parts += "--b\n\n";
+  }
+  put("M", MULTIPART + parts);
+  unsigned int status = 0;
+  EXPECT_TRUE(next(status));
+  EXPECT_EQ(status, 11990U);
+  EXPECT_THAT(takeLogText(), testing::StartsWith("11:1 Too many items, the rest is left out.\n"));
+}
+
+// Content on a disk that gives no more than the header block.
+class BadDisk : public DAC_MemoryDataAccess {
+ public:
+  std::int32_t readLine(std::int32_t size, char* buffer, unsigned int& status) override {
+    if (getPosition() >= HEADERS) {
+      status = status == 0 ? 10021 : status;
+    }
+    return DAC_MemoryDataAccess::readLine(size, buffer, status);
+  }
+  std::string_view window(std::int32_t) override { return {}; }
+
+ private:
+  static constexpr std::int32_t HEADERS = 8;  // "A: b" and the blank line
+};
+
+TEST_F(Inbound, AReadErrorIsAStatusAndNotAShorterMail) {
+  BadDisk disk;
+  unsigned int status = 0;
+  disk.write(11, "A: b\r\n\r\nx\r\n", status);
+  disk.setPosition(0, status);
+  const std::unique_ptr<GMA_Message> message(m_office->newMessage());
+  static_cast<KRX_Message&>(*message).readMessage(disk, status);
+  EXPECT_EQ(status, 10021U);
+  EXPECT_EQ(message->getBody(), nullptr);
 }
 
 TEST_F(Inbound, APartWithoutATemporaryNameHasNoFile) {

@@ -69,6 +69,12 @@ TEST(KRX_Maddr, WhatIsNoAddressIsRefusedAndLeavesNoText) {
     EXPECT_EQ(parse(text), "status 10132 | @") << text;
   }
   EXPECT_EQ(parse("\"\"@site"), "|site");
+  unsigned int status = 0;
+  KRX_Maddr address(gma::FROMADDR, "ann@site", status);
+  address.parse("<>", status);
+  SCL_String left;
+  address.getText(left);
+  EXPECT_EQ(left, "@");
 }
 
 TEST(KRX_Maddr, TextIsTheOriginalElseComposedWithoutQuoting) {

@@ -50,7 +50,10 @@ class Outbound : public Spool {
   // What a loaded mail is written as once an item is added.
   std::string writtenWithItem(const std::string& mail) {
     const auto message = fetched(mail);
+    const std::unique_ptr<GMA_Message> copy(message->transferTo(*m_office));
+    copy->addItem(newContent("more\r\n"), false);
     message->addItem(newContent("more\r\n"), false);
+    EXPECT_EQ(write(*copy), write(*message));
     return write(*message);
   }
 
@@ -94,7 +97,11 @@ TEST_F(Outbound, HeadersThatWouldHurtTheirNeighboursAreMadeSafe) {
   addHeader(gma::PRIORITY, {"high"});
   addHeader(gma::TO, {"one", "two", "", " three", "   "});
   addHeader(gma::BAD_FORMAT, {"  ", "no field", ".", "\r"});
-  EXPECT_EQ(written(), "Subject: a  Bcc: v@x\nTo: one\n two\n three\nno field\n..\n\n.\n");
+  KRX_Maddr address(gma::CCADDR, "x", "y");
+  address.setOriginal("x@y\r\nBcc: v@x");
+  m_message->addAddress(address);
+  EXPECT_EQ(written(),
+            "Subject: a  Bcc: v@x\nTo: one\n two\n three\nno field\n..\nCc: x@y  Bcc: v@x\n\n.\n");
   EXPECT_EQ(takeLogText(), "11:3 Header of type 15 has no field name, it is left out.\n");
 }
 

@@ -63,6 +63,15 @@ TEST_F(Configuration, FaultsKeepTheStreamsThatAreGood) {
   EXPECT_EQ(with("Red = 1\nLoud = 2\nEvents = 3\n"), "121 9");
 }
 
+TEST_F(Configuration, ASectionThatIsReadToItsEndNamesItsFiles) {
+  const std::string file = "StreamType = UserFile\nNameType = Date\n";
+  EXPECT_EQ(configure("[Log]\nDay = 0\nNone = 1\n[Day]\n" + file +
+                      "FileRootName = " + folder.path("LOG%s") + "\n[None]\n" + file),
+            "10625 1");
+  log->writeText(1, 11, 1, "x");
+  EXPECT_EQ(folder.names(), "LOG240228 log.ini");
+}
+
 TEST_F(LogTest, FacilityDirectivesFilterFromTheFirstOneOn) {
   // Which facilities pass after directives ("+11" includes, "-11" excludes).
   const auto passing = [](std::initializer_list<const char*> directives) {

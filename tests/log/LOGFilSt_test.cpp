@@ -123,6 +123,9 @@ TEST_F(FileStream, NumberedFilesGoOnBehindTheHighestAndLeaveOutZero) {
   folder.write("LOG4294967295", "");
   make("UserFile", "LOG%u", "NumericSeq");
   EXPECT_EQ(filesAfter(0), "LOG1 LOG10 LOG11 LOG4294967295 LOG9");
+  close(false);
+  std::filesystem::create_directory(folder.path("LOG2"));
+  EXPECT_EQ(filesAfter(0), "LOG1 LOG10 LOG11 LOG2 LOG4294967295 LOG9");
 }
 
 TEST_F(FileStream, RawEntriesAreDumpedAndObjectsAlsoWrittenLineByLine) {
@@ -192,6 +195,31 @@ TEST_F(FileStream, ACopyThatFailsIsToldAndTheLogGoesOn) {
   }
   entry("two");
   EXPECT_EQ(read("log"), std::string(OPENED) + AT + "one\n" + AT + "two\n");
+
+  close(false);
+  make("TransientFile", "", "");
+  const std::string large(20000, 'x');  // more than is copied at once
+  entry(large);
+  {
+    const FullDisk full(0);
+    EXPECT_EQ(copied(folder.path("copy")), 472U);
+  }
+  entry("end");
+  EXPECT_EQ(content(), OPENED + (AT + large) + "\n" + AT + "end\n");
+}
+
+// Content that never gets on, as a broken kind of content object might have it.
+TEST_F(FileStream, AnObjectWithoutProgressEndsItsEntry) {
+  struct Stuck : DAC_MemoryDataAccess {
+    std::int32_t readLine(std::int32_t, char*, unsigned& status) override {
+      status = 10014;
+      return 0;
+    }
+  } stuck;
+  make("UserFile", "log", "");
+  const FullDisk bound(100000);
+  stream.writeDataObject(11, 1, stuck, false);
+  EXPECT_EQ(read("log"), OPENED);
 }
 
 TEST_F(FileStream, WithoutRootOnlyAnExplicitOpenAsserts) {

@@ -4,8 +4,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "fl/FullDisk.h"
 #include "pfa/ProfileTest.h"
 #include "plat/PlatFile.h"
+#include "plat/Scene.h"
 
 namespace {
 
@@ -34,9 +36,8 @@ class ProfileFile : public ProfileTest {
     ASSERT_EQ(waitpid(child, &state, 0), child);
     ASSERT_EQ(state, 0);
   }
-  bool isMarked(const std::string& name) const {
-    std::string owner;
-    return plat::getExtendedAttribute(folder.path(name), "user.krx.profile", owner) == 0;
+  bool canBeMarked() const {
+    return plat::setExtendedAttribute(folder.path(""), "user.krx.test", "x") == 0;
   }
 };
 
@@ -100,8 +101,39 @@ TEST_F(ProfileFile, AFailedFlushKeepsTheWorkingFileAndTheChanges) {
   EXPECT_TRUE(profile.isModified() && profile.isWritable());
   EXPECT_EQ(reported(), "1822 " + std::to_string(EISDIR) + " " + ini().substr(0, 100));
   std::filesystem::remove(ini());
+  {
+    const FullDisk full(0);
+    EXPECT_EQ(profile.flush(), 1822U);
+  }
+  EXPECT_EQ(folder.names(), "a.$$1");
   EXPECT_EQ(profile.flush(), 0U);
   EXPECT_EQ(folder.read("a.ini"), "[S]\nA=2\n \n");
+}
+
+TEST_F(ProfileFile, WhatCannotBeGivenToItsOwnerIsForNobodyElse) {
+  folder.write("a.ini", "[S]\nA=1\n");
+  folder.setMode("a.ini", 0644);
+  folder.setMode("", 0777);
+  scene::elsewhere([&] {
+    scene::require(::geteuid() == 0);
+    scene::becomeUser(65534);
+    PFA_Profile profile;
+    EXPECT_EQ(profile.open(ini().c_str(), true, "S"), 0U);
+    EXPECT_EQ(profile.setValue("secret", false, 1, "A"), 0U);
+    EXPECT_EQ(profile.flush(), 0U);
+    EXPECT_EQ(folder.mode("a.ini"), 0600U);
+  });
+}
+
+TEST_F(ProfileFile, AProfileThatSomebodyHasLockedIsNotTaken) {
+  folder.write("a.ini", "[S]\nA=1\n");
+  plat::File other;
+  plat::OpenMode mode;
+  mode.read = true;
+  ASSERT_EQ(other.open(ini(), mode) | plat::lockFile(other), 0);
+  PFA_Profile profile;
+  EXPECT_EQ(profile.open(ini().c_str(), true), 1822U);
+  EXPECT_EQ(folder.names(), "a.ini");
 }
 
 TEST_F(ProfileFile, WithoutAFreeWorkingNameNothingIsTouched) {
@@ -135,7 +167,7 @@ TEST_F(ProfileFile, ADeadOwnersProfileIsRestored) {
   folder.write("a.cfg", "");
   crashHolding("a.cfg");
   ASSERT_EQ(folder.names(), "a.$$1 a.$$2");
-  if (!isMarked("a.$$1")) {
+  if (!canBeMarked()) {
     GTEST_SKIP() << "no extended attributes here";
   }
   PFA_Profile profile;
@@ -153,7 +185,7 @@ TEST_F(ProfileFile, OfTwoThatDeadOwnersLeftTheNewerIsRestored) {
   std::filesystem::last_write_time(folder.path("a.$$1"), aDayAgo);
   folder.write("a.ini", "[S]\nA=new\n");
   crashHolding("a.ini");
-  if (!isMarked("a.$$2")) {
+  if (!canBeMarked()) {
     GTEST_SKIP() << "no extended attributes here";
   }
   PFA_Profile profile;
@@ -172,6 +204,7 @@ TEST_F(ProfileFile, CreatingMakesAnEmptyProfileForWriting) {
   PFA_Profile profile;
   EXPECT_EQ(profile.flush(), 1843U);
   EXPECT_EQ(profile.create(ini().c_str()), 0U);
+  EXPECT_EQ(folder.mode("a.$$1"), 0600U);
   EXPECT_EQ(profile.selectSection("S"), 1830U);
   EXPECT_EQ(profile.addEntry("A", 0, "1", 1), 0U);
   EXPECT_EQ(profile.create(ini().c_str()), 1825U);

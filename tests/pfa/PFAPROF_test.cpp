@@ -164,13 +164,14 @@ TEST_F(ProfileChanges, AStoreReplacesAddsOrMakesTheEntry) {
 TEST_F(ProfileChanges, NothingIsStoredThatWouldReadBackAsSomethingElse) {
   EXPECT_EQ(profile.setValue("v\n[Other]", false, 1, "A"), 0U);
   EXPECT_EQ(profile.setValue(std::string(252, 'x').c_str(), false, 1, "A"), 1820U);
+  EXPECT_EQ(profile.addEntry("C", 0, "w\n[Other]", 1), 0U);
   EXPECT_EQ(profile.addEntry("C", 0, std::string(254, 'x').c_str(), 1), 1820U);
   EXPECT_EQ(profile.addEntry("[C", 0, "x", 1), 1831U);
   EXPECT_EQ(profile.addEntry("C", 100000, "x", 1), 1831U);
   EXPECT_EQ(profile.setValue("x", false, 16, "A") + profile.addEntry("C", 0, "x", 16), 2 * 1841U);
   EXPECT_EQ(profile.renameSection("T\nU=1"), 0U);
   EXPECT_EQ(profile.renameSection(std::string(254, 'x').c_str()), 1820U);
-  EXPECT_EQ(now(), "[T] A=v,2|B:1=x|1823");
+  EXPECT_EQ(now(), "[T] A=v,2|C,w|B:1=x|1823");
 }
 
 TEST_F(ProfileChanges, LookingUpLeavesAPlaceholderThatNobodySees) {

@@ -84,6 +84,7 @@ TEST(PrintableString, EscapesAreDecodedAndOtherParenthesesStay) {
   EXPECT_STREQ(rfc_ps_decode("user(a)host").c_str(), "user@host");
   EXPECT_STREQ(rfc_ps_decode("(A)(p)(b)(q)(u)(l)(r)").c_str(), "@%!\"_()");
   EXPECT_STREQ(rfc_ps_decode("a(065)b(321)").c_str(), "aAbA");
+  EXPECT_EQ(rfc_ps_decode("a(000)b"), "ab");
   EXPECT_STREQ(rfc_ps_decode("((a))").c_str(), "(@)");
   for (const char* text : {"", "ab", "(x)", "(a", "(06)", "(065", "(a b)", "((a"}) {
     EXPECT_STREQ(rfc_ps_decode(text).c_str(), text);
