@@ -91,7 +91,7 @@ class PairReader {
   std::string m_path;
   plat::SpoolDirectory m_directory;
   bool m_isOpen = false;
-  char m_buffer[16384];
+  char m_buffer[16384] = {};
   DAC_MemoryDataAccess m_content;
   SCL_String m_name;
   SCL_StringTable m_lines;

@@ -1,29 +1,12 @@
 // Tests of attributes and their list.
 #include "atr/ATRATLST.h"
 
-#include <cstdlib>
-#include <new>
 #include <sstream>
-#include <utility>
 
 #include "gmock/gmock.h"
+#include "scl/FailingMemory.h"
 #include "scl/Failure.h"
 #include "scl/SCLDUMP.h"
-
-static bool memoryIsOut = false;  // for one allocation
-void* operator new(std::size_t size) {
-  void* const memory = std::exchange(memoryIsOut, false) ? nullptr : std::malloc(size);
-  return memory != nullptr ? memory : throw std::bad_alloc();
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return std::malloc(size);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
 
 namespace {
 
@@ -73,11 +56,11 @@ TEST_F(AttributeList, ValuesChangeTheirTypeInTheirPlace) {
 
 TEST_F(AttributeList, MissingMemoryLeavesItAsItWas) {
   fill(17);
-  memoryIsOut = true;
+  failingAllocation = 1;
   EXPECT_EQ(found("name[16]"), "Name[16]=16");  // there is no memory for an index
-  EXPECT_FALSE(memoryIsOut);
+  EXPECT_EQ(failingAllocation, 0);
   EXPECT_EQ(found("Name[1]"), "Name[1]=1");
-  memoryIsOut = true;
+  failingAllocation = 1;
   EXPECT_EQ(failureOf([&] { setString("x", "y"); }), "Null pointer in ATRATLST");
   EXPECT_EQ(count(), 17);
 }

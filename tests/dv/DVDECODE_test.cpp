@@ -220,10 +220,10 @@ TEST(Decode, TellsTheFurthestOffsetOfFailedAlternativesToo) {
 
 TEST(Decode, StatusesNameTheResults) {
   std::string text;
-  for (const int result : {7, 0, -1, -6, -12, -13, std::numeric_limits<int>::min()}) {
+  for (const int result : {7, 0, -1, -6, -11, -12, -13, std::numeric_limits<int>::min()}) {
     text += std::to_string(dv::decodeStatus(result)) + " ";
   }
-  EXPECT_EQ(text, "0 0 121 126 132 101 101 ");
+  EXPECT_EQ(text, "0 0 121 126 131 132 101 101 ");
 }
 
 TEST(Keyword, IsTheWholeTextOrNothing) {

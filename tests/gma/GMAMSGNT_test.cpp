@@ -3,6 +3,7 @@
 
 #include "dac/DACFILDA.h"
 #include "gma/Support.h"
+#include "scl/FailingMemory.h"
 
 using gmatest::content;
 using gmatest::dumpOf;
@@ -70,6 +71,17 @@ TEST_F(TextTest, TheNewBodyTakesTheOldOnesAttributesAndTheNoteOnIt) {
   EXPECT_EQ(message.m_described, message.getItemData(0));
   message.clearContent();
   EXPECT_EQ(message.m_described, nullptr);
+}
+
+TEST_F(TextTest, WithoutMemoryForANewBodyTheOldOneStays) {
+  message.setBody(content("old"));
+  const std::unique_ptr<DAC_BaseDataAccess> textTemplate(content("new\n"));
+  for (const auto operation : {&GMA_Message::appendText, &GMA_Message::prependText}) {
+    unsigned int status = 0;
+    failingAllocation = 1;
+    (message.*operation)(textTemplate.get(), status);
+    EXPECT_EQ(result(status), "10110 old");
+  }
 }
 
 TEST_F(TextTest, AFailingTemplateLeavesThePrependedBodyAndCutsTheAppendedText) {

@@ -1,10 +1,8 @@
 // Pairs on their way: found and fetched, kept by save, removed, and delivered.
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <new>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -23,6 +21,7 @@
 #include "plat/PlatClock.h"
 #include "plat/PlatLock.h"
 #include "plat/PlatPath.h"
+#include "scl/FailingMemory.h"
 #include "scl/Failure.h"
 #include "scl/SCLEXCPT.h"
 
@@ -40,27 +39,6 @@ int fsync(int descriptor) {
     return -1;
   }
   return static_cast<int>(::syscall(SYS_fsync, descriptor));
-}
-
-static int failingAllocation = 0;
-
-// The same of allocations.
-static void* allocate(std::size_t size) noexcept {
-  const bool fails = failingAllocation > 0 && --failingAllocation == 0;
-  return fails ? nullptr : std::malloc(size);
-}
-void* operator new(std::size_t size) {
-  void* const memory = allocate(size);
-  return memory != nullptr ? memory : throw std::bad_alloc();
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return allocate(size);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
 }
 
 namespace krxtest {
@@ -457,13 +435,12 @@ TEST_F(Store, ANameThatARivalTakesMeanwhileStaysTheRivals) {
 TEST_F(Store, WhicheverAllocationFailsNoMailIsLostOrHalfDelivered) {
   const std::string whole = load(PLAIN);
   EXPECT_EQ(whole.find("status"), std::string::npos);
-  for (int at = 1, left = 0; left == 0; ++at) {
+  failing::eachAllocation([&](int at, const auto& during) {
     put("M", PLAIN);
     std::unique_ptr<GMA_Message> message;
     unsigned int status = 0;
-    failingAllocation = at;
-    const auto failure = GENCatch([&] { message.reset(m_office->nextMessage(status)); });
-    left = std::exchange(failingAllocation, 0);
+    std::optional<std::string> failure;
+    during([&] { failure = GENCatch([&] { message.reset(m_office->nextMessage(status)); }); });
     EXPECT_TRUE(ForeignLock(in()).held) << at;
     EXPECT_NE(message != nullptr, failure.has_value()) << at;
     if (failure) {
@@ -472,20 +449,19 @@ TEST_F(Store, WhicheverAllocationFailsNoMailIsLostOrHalfDelivered) {
     } else if (status == 0) {
       EXPECT_EQ(describe(*message), whole) << at;
     }
-  }
-  for (int at = 1, left = 0; left == 0; ++at) {
+  });
+  failing::eachAllocation([&](int at, const auto& during) {
     const auto message = identified("<A@x>");
     message->setBody(newContent("text\r\n"));
     unsigned int status = 0;
-    failingAllocation = at;
-    const auto failure = GENCatch([&] { message->storeMessage(status); });
-    left = std::exchange(failingAllocation, 0);
+    std::optional<std::string> failure;
+    during([&] { failure = GENCatch([&] { message->storeMessage(status); }); });
     EXPECT_TRUE(ForeignLock(out()).held) << at;
     const bool isDelivered = !failure && status == 0;
     EXPECT_EQ(filesIn(out()).size(), isDelivered ? 2U : 0U) << at;
     fs::remove(native(out() + "A.MSG"));
     fs::remove(native(out() + "A.RCP"));
-  }
+  });
   takeLog();
 }
 

@@ -1,9 +1,12 @@
 // Configuration of the log and of its streams' common keys; the binding of the global log.
 #include <optional>
+#include <set>
 
 #include "dac/DACMEMDA.h"
+#include "gen/GENCATCH.h"
 #include "log/LOGGLB.h"
 #include "log/Support.h"
+#include "scl/FailingMemory.h"
 #include "scl/Failure.h"
 
 namespace logtest {
@@ -46,6 +49,20 @@ TEST_F(Configuration, StreamsTakeTheirSlotLevelAndFilterFromTheirSections) {
   EXPECT_EQ(logged(1), common);
   EXPECT_EQ(logged(1U << 15),
             common + "14:05:09.27 (GMA:004) debug\n14:05:09.27 (GMA:001) other\n");
+}
+
+TEST_F(Configuration, AStreamThatThereIsNoMemoryForIsAStatus) {
+  folder.write("log.ini", "[Log]\nMain = 0\n[Main]\nStreamType = TransientFile\n");
+  std::set<unsigned> statuses;
+  failing::eachAllocation([&](int, const auto& during) {
+    log.emplace();
+    unsigned status = 0;
+    PFA_Profile profile(folder.path("log.ini").c_str(), true);
+    during([&] { GENSwallow([&] { log->configure(profile, "Log", status); }); });
+    statuses.insert(status);
+  });
+  EXPECT_TRUE(statuses.contains(10601)) << testing::PrintToString(statuses);
+  EXPECT_EQ(log->activeMask(), 1U);
 }
 
 TEST_F(Configuration, FaultsKeepTheStreamsThatAreGood) {

@@ -1,7 +1,7 @@
 # The vocabulary of the reliability tests, on top of that of the system tests: spools of three sample
 # pairs, injection with strace, and a census of what stands in the destination.
 . "$(dirname "$0")/../system/common.sh"
-pairs=$(dirname "$0")/pairs
+pairs=$(realpath "$(dirname "$0")/pairs")
 # LeakSanitizer cannot work in a traced process.
 export ASAN_OPTIONS=${ASAN_OPTIONS:-}:detect_leaks=0
 

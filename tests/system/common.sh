@@ -1,8 +1,8 @@
 # The vocabulary of the system tests: a temporary spool, pairs, and checks that say what failed.
 # Arguments of every test: the directory with the products (bin, lib), the source tree.
 set -uo pipefail
-build=$1
-source=$2
+build=$(realpath "$1")
+source=$(realpath "$2")
 krxhost=$build/bin/krxhost
 failures=0
 
