@@ -2,9 +2,12 @@
 # Lets each file system call of krxhost fail once, with each error that a machine in trouble answers.
 # Nothing may be deleted that was not delivered, the log names the path and the error, and the next
 # run brings the rest.
-# Arguments: the directory with the products, the source tree, [STEP: every how manieth call, 1].
+# Arguments: the directory with the products, the source tree, [STEP: every how manieth call, 1],
+# [SCENARIO...: own, route, send; all of them].
 . "$(dirname "$0")/common.sh"
 step=${3:-1}
+scenarios=("${@:4}")
+[ ${#scenarios[@]} -gt 0 ] || scenarios=(own route send)
 need_injection
 
 declare -A text=(
@@ -77,7 +80,7 @@ fail_at() { # ERROR CALL N
 }
 
 turn=0
-for scenario in own route send; do
+for scenario in "${scenarios[@]}"; do
   begin "$scenario"
   list_points "$spool/points"
   for error in ENOSPC EDQUOT EIO EMFILE ENOMEM EINTR EROFS EACCES; do
