@@ -12,7 +12,7 @@ namespace plat {
 namespace {
 
 constexpr int KEPT_BYTES = 128 << 20;
-constexpr std::size_t LEAST_MAPPING = std::size_t{16} << 20;
+constexpr std::size_t LEAST_MAPPING = std::size_t{8} << 20;
 // Here a block may be copied when it grows: it takes twice the need, so that it grows less often.
 constexpr std::size_t LEAST_AHEAD = std::size_t{64} << 10;
 // A mapping takes addresses ahead of the need, which cost nothing.
@@ -28,7 +28,7 @@ char* withLargePages(void* mapping, std::size_t size) noexcept {
 
 void keepFreedMemory() noexcept {
   ::mallopt(M_TRIM_THRESHOLD, KEPT_BYTES);
-  ::mallopt(M_MMAP_THRESHOLD, LEAST_MAPPING);
+  ::mallopt(M_MMAP_THRESHOLD, 2 * LEAST_MAPPING);  // above what is taken ahead
   // Bins that are swept whenever a larger block is asked for, which is several times a mail.
   ::mallopt(M_MXFAST, 0);
 }

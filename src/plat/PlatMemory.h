@@ -11,7 +11,7 @@ namespace plat {
 // leaves this to its program.
 void keepFreedMemory() noexcept;
 
-// One block of memory that only grows. From 16 MiB on it is a mapping of its own, which stands in
+// One block of memory that only grows. From 8 MiB on it is a mapping of its own, which stands in
 // large pages where the kernel has them and moves without being copied.
 class GrowingBlock {
  public:
