@@ -12,9 +12,7 @@ namespace plat {
 namespace {
 
 constexpr int KEPT_BYTES = 128 << 20;
-constexpr std::size_t LEAST_MAPPING = std::size_t{8} << 20;
-// Here a block may be copied when it grows: it takes twice the need, so that it grows less often.
-constexpr std::size_t LEAST_AHEAD = std::size_t{64} << 10;
+constexpr std::size_t LEAST_MAPPING = std::size_t{16} << 20;
 // A mapping takes addresses ahead of the need, which cost nothing.
 constexpr std::size_t AHEAD = 4;
 
@@ -28,7 +26,7 @@ char* withLargePages(void* mapping, std::size_t size) noexcept {
 
 void keepFreedMemory() noexcept {
   ::mallopt(M_TRIM_THRESHOLD, KEPT_BYTES);
-  ::mallopt(M_MMAP_THRESHOLD, 2 * LEAST_MAPPING);  // above what is taken ahead
+  ::mallopt(M_MMAP_THRESHOLD, LEAST_MAPPING);
   // Bins that are swept whenever a larger block is asked for, which is several times a mail.
   ::mallopt(M_MXFAST, 0);
 }
@@ -51,10 +49,6 @@ bool GrowingBlock::grow(std::size_t size, std::size_t used) noexcept {
   if (size >= LEAST_MAPPING && (map(size * AHEAD, used) || map(size, used))) {
     return true;
   }
-  return reallocate(size >= LEAST_AHEAD ? size * 2 : size) || reallocate(size);
-}
-
-bool GrowingBlock::reallocate(std::size_t size) noexcept {
   auto* data = static_cast<char*>(std::realloc(m_data, size));
   if (data == nullptr) {
     return false;

@@ -11,7 +11,7 @@ namespace plat {
 // leaves this to its program.
 void keepFreedMemory() noexcept;
 
-// One block of memory that only grows. From 8 MiB on it is a mapping of its own, which stands in
+// One block of memory that only grows. From 16 MiB on it is a mapping of its own, which stands in
 // large pages where the kernel has them and moves without being copied.
 class GrowingBlock {
  public:
@@ -28,7 +28,6 @@ class GrowingBlock {
   bool comesZeroed() const noexcept { return m_isMapped; }
 
  private:
-  bool reallocate(std::size_t size) noexcept;
   bool map(std::size_t size, std::size_t used) noexcept;
   bool remap(std::size_t size) noexcept;
 
