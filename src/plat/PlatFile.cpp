@@ -5,7 +5,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/stat.h>
 
 #include "plat/PlatShare.h"
@@ -14,10 +13,6 @@
 namespace plat {
 
 namespace {
-
-// Another process that tests a file holds a lease on it for a moment, in which a non-blocking open
-// is refused. Waiting that moment out must not become a failed load.
-constexpr int LEASE_ATTEMPTS = 50;
 
 bool writes(const OpenMode& mode) {
   return mode.write || mode.append;
@@ -41,17 +36,8 @@ int openOnce(const std::string& native, const OpenMode& mode) {
 
 // The descriptor, or -1 with errno.
 int openPatiently(const std::string& native, const OpenMode& mode) {
-  int descriptor = openOnce(native, mode);
-  const int attempts = mode.share == Share::denyAll ? 1 : LEASE_ATTEMPTS;
-  for (int attempt = 1; descriptor < 0 && errno == EWOULDBLOCK; ++attempt) {
-    if (attempt >= attempts) {
-      errno = EBUSY;
-      break;
-    }
-    ::poll(nullptr, 0, 1);
-    descriptor = openOnce(native, mode);
-  }
-  return descriptor;
+  return waitOutLease([&] { return openOnce(native, mode); },
+                      mode.share == Share::denyAll ? 1 : LEASE_ATTEMPTS);
 }
 
 // A missing file may stand there with its extension in the other letter case; `native` becomes the
@@ -114,7 +100,8 @@ int makeBlocking(int descriptor) {
 // Everything that is asked of the file once it is open.
 int settle(int descriptor, const OpenMode& mode, std::int64_t& size) {
   size = 0;
-  if (const int error = mode.regularOnly ? checkRegular(descriptor, size) : makeBlocking(descriptor);
+  if (const int error =
+          mode.regularOnly ? checkRegular(descriptor, size) : makeBlocking(descriptor);
       error != 0) {
     return error;
   }

@@ -4,7 +4,6 @@
 #include <cerrno>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/stat.h>
 
 #include "plat/PlatAttribute.h"
@@ -42,21 +41,12 @@ int SpoolDirectory::status(const std::string& name, SpoolFile& file) const {
   return describe(found, file);
 }
 
-// Not blocking, for a FIFO would; but then an open is also refused for the moment in which another
-// process tests the file by a lease.
 int SpoolDirectory::openFile(const char* name) const {
-  constexpr int ATTEMPTS = 50;
-  int descriptor = -1;
-  for (int attempt = 0; attempt < ATTEMPTS; ++attempt) {
-    descriptor = repeatInterrupted([&] {
+  return waitOutLease([&] {
+    return repeatInterrupted([&] {
       return ::openat(m_directory, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     });
-    if (descriptor >= 0 || errno != EWOULDBLOCK) {
-      break;
-    }
-    ::poll(nullptr, 0, 1);
-  }
-  return descriptor;
+  });
 }
 
 int SpoolDirectory::read(const std::string& name, void* buffer, std::size_t count,

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include <poll.h>
 #include <unistd.h>
 
 #include "plat/PlatError.h"
@@ -21,6 +22,25 @@ auto repeatInterrupted(Call call) {
     result = call();
   }
   return result;
+}
+
+// Another process that tests a file holds a lease on it for a moment, in which a non-blocking open
+// is refused. Waiting that moment out must not become a failed load.
+inline constexpr int LEASE_ATTEMPTS = 50;
+
+// The descriptor of `open`, or -1 with errno: EBUSY for a lease that outlasts the attempts.
+template <class Open>
+int waitOutLease(Open open, int attempts = LEASE_ATTEMPTS) {
+  int descriptor = open();
+  for (int attempt = 1; descriptor < 0 && errno == EWOULDBLOCK; ++attempt) {
+    if (attempt >= attempts) {
+      errno = EBUSY;
+      break;
+    }
+    ::poll(nullptr, 0, 1);
+    descriptor = open();
+  }
+  return descriptor;
 }
 
 // Closes the descriptor at the end of the block; errno survives that.
