@@ -107,8 +107,8 @@ std::uint32_t KRX_RasLine::readEntry(RasEntryBuffer& buffer, std::uint32_t& size
   buffer = {};
   buffer.entry.size = sizeof buffer.entry;
   size = sizeof buffer;
-  const auto error = m_api.getEntryProperties(
-      nullptr, m_settings.entry.c_str(), &buffer.entry, &size, deviceInfo, deviceInfoSize);
+  const auto error = m_api.getEntryProperties(nullptr, m_settings.entry.c_str(), &buffer.entry,
+                                              &size, deviceInfo, deviceInfoSize);
   size = std::clamp<std::uint32_t>(size, sizeof buffer.entry, sizeof buffer);
   if (deviceInfoSize != nullptr) {
     *deviceInfoSize = std::min<std::uint32_t>(*deviceInfoSize, RAS_DEVICE_INFO_SIZE);
@@ -145,8 +145,8 @@ void KRX_RasLine::listEntry(const RasEntryBuffer& buffer, std::uint32_t size,
 void KRX_RasLine::writeIdleTime(RasEntryBuffer& buffer, unsigned int& status) {
   buffer.entry.idleDisconnectSeconds = m_settings.idleTime;
   buffer.entry.alternateOffset = 0;
-  if (const auto error = m_api.setEntryProperties(
-          nullptr, m_settings.entry.c_str(), &buffer.entry, sizeof buffer.entry, nullptr, 0);
+  if (const auto error = m_api.setEntryProperties(nullptr, m_settings.entry.c_str(), &buffer.entry,
+                                                  sizeof buffer.entry, nullptr, 0);
       error != 0) {
     status = KRX_ENTRY_WRITE;
     report(error, "Calling RasSetEntryProperties");
