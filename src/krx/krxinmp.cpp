@@ -10,6 +10,7 @@
 #include "gen/GENCODES.h"
 #include "krx/krxlines.h"
 #include "krx/krxmsg.h"
+#include "krx/krxplain.h"
 #include "rfc/rfcread.h"
 
 namespace {
@@ -53,10 +54,6 @@ void write(DAC_BaseDataAccess& data, std::string_view bytes, unsigned int& statu
   data.write(static_cast<std::int32_t>(bytes.size()), bytes.data(), status);
 }
 
-bool needsLook(char first) noexcept {
-  return first == '.' || first == '-';
-}
-
 // Copies the lines that lie ready in memory into a part's content, each with CR LF behind it, up to
 // the first that needs a look at it as a line, or whose end is not in sight. What stands as it is
 // to be kept, which is nearly all of a mail, goes over in one piece.
@@ -83,7 +80,11 @@ class LineCopier {
   std::size_t copyReady(std::string_view ready, unsigned int& status) {
     std::size_t line = 0;
     std::size_t run = 0;  // where the lines begin that are to be written yet
-    while (status == 0 && line < ready.size() && !needsLook(ready[line])) {
+    while (status == 0) {
+      line += KRX_plainLines(ready.substr(line));
+      if (line == ready.size() || KRX_needsLook(ready[line])) {
+        break;
+      }
       const std::size_t end = line + dac::findLineEnd(ready.substr(line));
       if (end + 1 >= ready.size()) {
         break;
@@ -195,7 +196,7 @@ std::unique_ptr<DAC_BaseDataAccess> KRX_Message::readPartContent(DAC_BaseDataAcc
   std::string_view piece;
   copier.copy(status);
   while (reader.next(piece, status)) {
-    if (reader.isFirstPiece() && needsLook(SCL_firstChar(piece))) {
+    if (reader.isFirstPiece() && KRX_needsLook(SCL_firstChar(piece))) {
       kind = classifyLine(piece, boundary.view());
       if (kind != LineKind::content) {
         return data;

@@ -16,6 +16,10 @@ namespace {
 // Characters of a line that are read at once.
 constexpr std::int32_t LINE_PIECE = 1023;
 
+// Characters that are decoded at once.
+constexpr std::size_t PIECE = 4096;
+static_assert(rfc::base64Room(PIECE) <= RFC_BlockWriter::BLOCK);
+
 constexpr unsigned int PAD = rfc::B64_PAD;
 
 char low8(unsigned int bits) noexcept {
@@ -26,7 +30,7 @@ class Base64 {
  public:
   explicit Base64(RFC_BlockWriter& output) noexcept : m_output(output) {}
 
-  void feed(std::string_view text);  // at most LINE_PIECE characters
+  void feed(std::string_view text);
   void finish();
   // The last problem; null when there was none.
   const char* problem() const noexcept { return m_problem; }
@@ -54,12 +58,13 @@ void Base64::feed(std::string_view text) {
   }
 }
 
-// Decodes the groups at the front that are nothing but values.
+// Decodes the groups at the front, with the line ends between them.
 std::size_t Base64::takeGroups(std::string_view text) {
-  const std::size_t taken =
+  text = text.substr(0, PIECE);  // so that the output has room
+  const rfc::Base64Step step =
       rfc::decodeBase64Groups(text, m_output.room(rfc::base64Room(text.size())));
-  m_output.use(taken / 4 * 3);
-  return taken;
+  m_output.use(step.put);
+  return step.taken;
 }
 
 void Base64::takeCharacter(char c) {
@@ -124,8 +129,14 @@ void rfc_b64_decode(DAC_BaseDataAccess& source, DAC_BaseDataAccess* destination,
   RFC_LineReader input(source, start);
   RFC_BlockWriter output(*destination, status);
   Base64 decoder(output);
-  while (input.position() < end && input.next(LINE_PIECE, status)) {
-    decoder.feed(input.line());
+  // Line ends are no values and may come along; the last line counts whole, wherever the range
+  // ends.
+  while (input.position() < end) {
+    const std::string_view lines = input.nextStretch(end);
+    if (lines.empty() && !input.next(LINE_PIECE, status)) {
+      break;
+    }
+    decoder.feed(lines.empty() ? input.line() : lines);
   }
   if (status == 0) {
     decoder.finish();

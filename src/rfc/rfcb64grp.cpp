@@ -2,6 +2,7 @@
 #include "rfc/rfcb64grp.h"
 
 #include <array>
+#include <bit>
 
 #ifdef __x86_64__
 #include <immintrin.h>
@@ -55,26 +56,24 @@ constexpr std::array<std::int8_t, 16> PACKED_ORDER{2, 1,  0,  6,  5,  4,  10, 9,
                                                    8, 14, 13, 12, -1, -1, -1, -1};
 constexpr std::size_t BLOCK = 32;
 
-// The whole blocks of values at the front of the text. 32 bytes are stored for each block, of which
-// 24 count.
-__attribute__((target("avx2"))) std::size_t decodeBlocks(std::string_view text,
-                                                         char* out) noexcept {
+// The blocks at the front of the text. 32 bytes are stored for each block, of which those of the
+// values before the first other character count.
+__attribute__((target("avx2"))) Base64Step decodeBlocks(std::string_view text, char* out) noexcept {
   const __m256i lowClasses = twice(LOW_CLASSES);
   const __m256i highClasses = twice(HIGH_CLASSES);
   const __m256i offsets = twice(OFFSETS);
   const __m256i byteOrder = twice(PACKED_ORDER);
   const __m256i nibble = _mm256_set1_epi8(0x0F);
   const __m256i slash = _mm256_set1_epi8('/');
-  std::size_t i = 0;
-  for (; i + BLOCK <= text.size(); i += BLOCK, out += BLOCK / 4 * 3) {
-    const auto* from = reinterpret_cast<const __m256i*>(text.data() + i);  // NOLINT: as above
+  Base64Step step;
+  while (step.taken + BLOCK <= text.size()) {
+    const char* const block = text.data() + step.taken;
+    const auto* from = reinterpret_cast<const __m256i*>(block);  // NOLINT: as above
     const __m256i in = _mm256_loadu_si256(from);
     const __m256i high = _mm256_and_si256(_mm256_srli_epi32(in, 4), nibble);
     const __m256i low = _mm256_and_si256(in, nibble);
-    const __m256i classes = _mm256_shuffle_epi8(highClasses, high);
-    if (_mm256_testz_si256(_mm256_shuffle_epi8(lowClasses, low), classes) == 0) {
-      break;
-    }
+    const __m256i classes = _mm256_and_si256(_mm256_shuffle_epi8(lowClasses, low),
+                                             _mm256_shuffle_epi8(highClasses, high));
     const __m256i row = _mm256_add_epi8(_mm256_cmpeq_epi8(in, slash), high);
     const __m256i values = _mm256_add_epi8(in, _mm256_shuffle_epi8(offsets, row));
     const __m256i pairs = _mm256_maddubs_epi16(values, _mm256_set1_epi32(0x01400140));
@@ -82,21 +81,35 @@ __attribute__((target("avx2"))) std::size_t decodeBlocks(std::string_view text,
     const __m256i bytes = _mm256_shuffle_epi8(groups, byteOrder);
     const __m256i packed =
         _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), packed);  // NOLINT: as above
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + step.put), packed);  // NOLINT: as above
+    const auto isValue = static_cast<std::uint32_t>(
+        _mm256_movemask_epi8(_mm256_cmpeq_epi8(classes, _mm256_setzero_si256())));
+    if (isValue == UINT32_MAX) {  // by far the most: kept apart, so that no block waits for another
+      step.taken += BLOCK;
+      step.put += BLOCK / 4 * 3;
+      continue;
+    }
+    const auto valueCount = static_cast<std::size_t>(std::countr_one(isValue));
+    step.taken += valueCount / 4 * 4;
+    step.put += valueCount / 4 * 3;
+    if (valueCount % 4 != 0 || !text.substr(step.taken).starts_with("\r\n")) {
+      break;
+    }
+    step.taken += 2;
   }
-  return i;
+  return step;
 }
 
 // A vector that is stored runs past what it gives by 8 bytes, which base64Room counts in.
-std::size_t decodeFast(std::string_view text, char* out) noexcept {
+Base64Step decodeFast(std::string_view text, char* out) noexcept {
   static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-  return hasAvx2 ? decodeBlocks(text, out) : 0;
+  return hasAvx2 ? decodeBlocks(text, out) : Base64Step();
 }
 
 #else
 
-std::size_t decodeFast(std::string_view /*text*/, char* /*out*/) noexcept {
-  return 0;
+Base64Step decodeFast(std::string_view /*text*/, char* /*out*/) noexcept {
+  return {};
 }
 
 #endif
@@ -107,7 +120,7 @@ std::uint8_t base64Value(char c) noexcept {
   return VALUES[static_cast<unsigned char>(c)];
 }
 
-std::size_t decodeBase64GroupsPlain(std::string_view text, char* out) noexcept {
+Base64Step decodeBase64GroupsPlain(std::string_view text, char* out) noexcept {
   const char* in = text.data();
   const std::size_t end = text.size() / 4 * 4;
   std::size_t i = 0;
@@ -123,12 +136,13 @@ std::size_t decodeBase64GroupsPlain(std::string_view text, char* out) noexcept {
     out[1] = low8(c1 << 4 | c2 >> 2);
     out[2] = low8(c2 << 6 | c3);
   }
-  return i;
+  return {i, i / 4 * 3};
 }
 
-std::size_t decodeBase64Groups(std::string_view text, char* out) noexcept {
-  const std::size_t blocks = decodeFast(text, out);
-  return blocks + decodeBase64GroupsPlain(text.substr(blocks), out + blocks / 4 * 3);
+Base64Step decodeBase64Groups(std::string_view text, char* out) noexcept {
+  const Base64Step fast = decodeFast(text, out);
+  const Base64Step rest = decodeBase64GroupsPlain(text.substr(fast.taken), out + fast.put);
+  return {fast.taken + rest.taken, fast.put + rest.put};
 }
 
 }  // namespace rfc

@@ -19,11 +19,15 @@ constexpr std::size_t base64Room(std::size_t length) noexcept {
   return length / 4 * 3 + 8;
 }
 
-// Decodes the groups of four at the front of `text` that are nothing but values, to `out`, which
-// has base64Room of the text. The number of characters taken; three quarters as many bytes were
-// put.
-std::size_t decodeBase64Groups(std::string_view text, char* out) noexcept;
-// The same without the processor's vector instructions.
-std::size_t decodeBase64GroupsPlain(std::string_view text, char* out) noexcept;
+struct Base64Step {
+  std::size_t taken = 0;  // characters
+  std::size_t put = 0;    // bytes
+};
+
+// Decodes the groups of four at the front of `text` that are nothing but values, and steps over CR
+// LF between them, to `out`, which has base64Room of the text.
+Base64Step decodeBase64Groups(std::string_view text, char* out) noexcept;
+// The same without the processor's vector instructions; it stops at each line end.
+Base64Step decodeBase64GroupsPlain(std::string_view text, char* out) noexcept;
 
 }  // namespace rfc

@@ -1,6 +1,8 @@
 // Reads lines from memory where it can.
 #include "rfc/rfcline.h"
 
+#include <algorithm>
+
 #include "dac/DACBASDA.h"
 #include "dac/DACLINE.h"
 #include "dac/DACSTRNG.h"
@@ -23,6 +25,30 @@ bool RFC_LineReader::next(std::int32_t maximum, unsigned int& status) {
     }
   }
   return readThroughObject(maximum, status);
+}
+
+std::string_view RFC_LineReader::nextStretch(std::int64_t end) {
+  constexpr std::int64_t STRETCH = 4096;
+  if (m_position < m_noStretchBefore) {
+    return {};
+  }
+  if (ready().size() < STRETCH) {
+    m_window = m_object.window(m_position);
+    m_windowStart = m_position;
+  }
+  const std::int64_t wanted = std::clamp(end - m_position, std::int64_t{0}, STRETCH);
+  const std::string_view text = ready().substr(0, static_cast<std::size_t>(wanted));
+  std::size_t length = text.size();
+  // What follows a line end and is none itself begins a line, however the line ends before it pair.
+  while (length > 1 && (dac::isLineEnd(text[length - 1]) || !dac::isLineEnd(text[length - 2]))) {
+    --length;
+  }
+  if (length <= 1) {
+    m_noStretchBefore = m_position + static_cast<std::int64_t>(text.size());
+    return {};
+  }
+  m_position += static_cast<std::int32_t>(length - 1);
+  return text.substr(0, length - 1);
 }
 
 std::string_view RFC_LineReader::ready() const noexcept {

@@ -20,6 +20,11 @@ class RFC_LineReader {
   // False at the end of the content, with the status 0, and when the stream fails, with its status.
   bool next(std::int32_t maximum, unsigned int& status);
 
+  // A stretch of whole lines with their line ends that lies ready in memory, in full before `end`,
+  // for who does not look at lines; it does not end between two line ends. Empty when none is in
+  // sight, at a long line perhaps: next() goes on there. It counts as no line.
+  std::string_view nextStretch(std::int64_t end);
+
   // The line without its line end; valid until the next line is read or the object is used.
   std::string_view line() const noexcept { return m_line; }
   bool isCut() const noexcept { return m_cut; }
@@ -41,6 +46,7 @@ class RFC_LineReader {
   std::int32_t m_lineStart;
   std::string_view m_window;  // what lay ready in memory at m_windowStart
   std::int64_t m_windowStart = 0;
+  std::int64_t m_noStretchBefore = 0;  // it was looked for up to here
   std::string_view m_line;
   SCL_String m_text;  // a line that was read through the object
   bool m_cut = false;

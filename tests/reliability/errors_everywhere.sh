@@ -16,12 +16,13 @@ declare -A text=(
   [EINTR]="Interrupted system call" [EROFS]="Read-only file system" [EACCES]="Permission denied"
 )
 
-# All is as if nothing had happened.
+# All is as if nothing had happened: what can be loaded is not kept either.
 is_undisturbed() {
   local name
   for name in $(names); do
     [ "$(delivered "$name")" -eq 1 ] || return 1
     [ "$scenario" = send ] || [ ! -e "$spool/in/$name.RCP" ] || return 1
+    [ "$name" = BAD01 ] || [ ! -e "$receiver/$name.RCP" ] || return 1
   done
 }
 

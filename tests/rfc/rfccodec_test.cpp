@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "dac/DACLINE.h"
 #include "rfc/RFCB64Da.h"
 #include "rfc/RFCQprDa.h"
 #include "rfc/Support.h"
@@ -111,7 +112,8 @@ TEST(Base64, FollowsTheRulesWhereverLinesEnd) {
   }
 }
 
-// Any byte at any place of a text, so that it meets every lane of a vector.
+// Any byte at any place of a text, so that it meets every lane of a vector; half of them with a
+// line end somewhere.
 TEST(Base64, VectorsTakeWhatThePlainPathTakes) {
   Dice dice(5);
   for (unsigned int round = 0; round < 100 * 256; ++round) {
@@ -120,11 +122,50 @@ TEST(Base64, VectorsTakeWhatThePlainPathTakes) {
       text += "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/"[dice.below(64)];
     }
     text[round / 256] = static_cast<char>(round % 256);
+    if (dice.below(2) == 0) {
+      text.insert(dice.below(text.size()), "\r\n");
+    }
     std::string fast(rfc::base64Room(text.size()), '\0');
     std::string plain = fast;
-    const std::size_t taken = rfc::decodeBase64GroupsPlain(text, plain.data());
-    ASSERT_EQ(rfc::decodeBase64Groups(text, fast.data()), taken) << text;
-    ASSERT_EQ(fast.substr(0, taken / 4 * 3), plain.substr(0, taken / 4 * 3)) << text;
+    const rfc::Base64Step step = rfc::decodeBase64Groups(text, fast.data());
+    std::string taken = text.substr(0, step.taken);
+    if (const std::size_t lineEnd = taken.find("\r\n"); lineEnd != std::string::npos) {
+      taken.erase(lineEnd, 2);
+    } else {
+      ASSERT_EQ(rfc::decodeBase64GroupsPlain(text, plain.data()).taken, step.taken) << text;
+    }
+    const rfc::Base64Step expected = rfc::decodeBase64GroupsPlain(taken, plain.data());
+    ASSERT_EQ(expected.taken, taken.size()) << text;
+    ASSERT_EQ(fast.substr(0, step.put), plain.substr(0, expected.put)) << text;
+  }
+}
+
+// The text up to the end of the last line, or piece of a long one, that begins before the limit.
+std::string untilLineThatCrosses(const std::string& text, std::size_t limit) {
+  std::size_t at = 0;
+  while (at < std::min(limit, text.size())) {
+    const std::size_t end = std::min(text.find_first_of("\r\n", at), text.size());
+    if (end - at > 1023) {
+      at += 1023;
+      continue;
+    }
+    const bool isPair = end + 1 < text.size() && dac::isLineEndPair(text[end], text[end + 1]);
+    at = std::min(end + (isPair ? 2 : 1), text.size());
+  }
+  return text.substr(0, at);
+}
+
+TEST(Base64, AnyRangeEndsWithTheLineThatCrossesItsEnd) {
+  Dice dice(11);
+  const std::string line = repeated("TWFu", 19) + "\r\n";
+  const std::string lines = repeated(line, 60);
+  for (int round = 0; round < 1000; ++round) {
+    const std::string text =
+        dice.text({lines, line, "TWFu", "T", "=", "\r", "\n", "\r\n", repeated("+", 1500)}, 20);
+    const std::size_t limit = dice.below(text.size() + 1);
+    EXPECT_EQ(childOf<RFCB64Da>(*inBlocks(text, dice.below(5)), 0, static_cast<int>(limit)),
+              slowBase64(untilLineThatCrosses(text, limit)))
+        << text << '|' << limit;
   }
 }
 
