@@ -11,12 +11,14 @@
 namespace {
 
 constexpr char SOURCE[] = "DVDATTIM";
-constexpr unsigned int LINE_NULL_SIZE = 362;
-constexpr unsigned int LINE_MONTH = 371;
-constexpr unsigned int LINE_SIZE = 392;
+constexpr unsigned int LINE_SIZE = 362;
+constexpr unsigned int LINE_MONTH_OF_DATE = 371;
+constexpr unsigned int LINE_MONTH_WITH_TIME = 392;
 
 constexpr unsigned int MIN_SIZE = 6;
 constexpr unsigned int DATE_SIZE = 12;
+constexpr unsigned int SECONDS_SIZE = 21;
+constexpr unsigned int HUNDREDTHS_SIZE = 24;
 
 struct DateTimeRecord {
   std::uint32_t hasDate, day, month, year;
@@ -31,13 +33,14 @@ constexpr char PATTERN[] =
 void formatWithDate(const DV_Date& date, const DV_Time& time, char* buffer, unsigned int size) {
   const auto [year, month, day] = date.fields();
   if (month < 1 || month > 12) {
-    GENAssert(GEN_VALUE_RANGE, SOURCE, LINE_MONTH);
+    GENAssert(GEN_VALUE_RANGE, SOURCE,
+              size >= SECONDS_SIZE ? LINE_MONTH_WITH_TIME : LINE_MONTH_OF_DATE);
   }
   const auto [h, m, s, cc] = time.fields();
   const char* const name = dv::MONTH_NAMES[month - 1];
-  if (size >= 24) {
+  if (size >= HUNDREDTHS_SIZE) {
     std::snprintf(buffer, size, "%2u-%3.3s-%4u %02u:%02u:%02u.%02u", day, name, year, h, m, s, cc);
-  } else if (size >= 21) {
+  } else if (size >= SECONDS_SIZE) {
     std::snprintf(buffer, size, "%2u-%3.3s-%4u %02u:%02u:%02u", day, name, year, h, m, s);
   } else {
     std::snprintf(buffer, size, "%2u-%3.3s-%4u", day, name, year);
@@ -77,13 +80,7 @@ int DV_DateTime::add(std::int32_t years, std::int32_t months, std::int32_t days)
 
 int DV_DateTime::addTime(std::int32_t hours, std::int32_t minutes, std::int32_t seconds,
                          std::int32_t hundredths) {
-  DV_Time time = m_time;
-  const std::int32_t carried = time.add(hours, minutes, seconds, hundredths);
-  if (m_date.add(0, 0, carried) < 0) {
-    return -1;
-  }
-  m_time = time;
-  return 0;
+  return m_date.add(0, 0, m_time.add(hours, minutes, seconds, hundredths)) < 0 ? -1 : 0;
 }
 
 void DV_DateTime::difference(const DV_DateTime& other, DV_TimeOffset& offset) const {
@@ -142,17 +139,15 @@ bool DV_DateTime::parse(const SCL_StringRef& text, int& decodeResult) {
 }
 
 void DV_DateTime::format(char* buffer, unsigned int size) const {
+  if (size < MIN_SIZE) {
+    GENAssert(GEN_INDEX_RANGE, SOURCE, LINE_SIZE);
+  }
   if (isNull()) {
-    if (size < MIN_SIZE) {
-      GENAssert(GEN_INDEX_RANGE, SOURCE, LINE_NULL_SIZE);
-    }
     std::snprintf(buffer, size, "Never");
   } else if (size >= DATE_SIZE) {
     formatWithDate(m_date, m_time, buffer, size);
-  } else if (size >= MIN_SIZE) {
-    m_time.format(buffer, size);
   } else {
-    GENAssert(GEN_INDEX_RANGE, SOURCE, LINE_SIZE);
+    m_time.format(buffer, size);
   }
 }
 

@@ -25,7 +25,8 @@ class DV_DateTime {
   void setNow();
   // As DV_Date::add.
   int add(std::int32_t years, std::int32_t months, std::int32_t days) noexcept;
-  // As DV_Time::add, with the days carried into the date; 0, or -1 and unchanged as DV_Date::add.
+  // As DV_Time::add, with the days carried into the date: 0, or -1 when the date cannot take them
+  // and stays (DV_Date::add); the time is set all the same.
   int addTime(std::int32_t hours, std::int32_t minutes, std::int32_t seconds,
               std::int32_t hundredths);
   // This minus other. When one of the dates is invalid, only the times count.

@@ -46,11 +46,13 @@ std::size_t namedSegmentEnd(std::string_view text, std::size_t position) noexcep
   return end > position && end < text.size() && isSeparator(text[end]) ? end + 1 : 0;
 }
 
-// The length of "\\server\share\", 0 when the text does not begin so.
+bool beginsAtServer(std::string_view text) noexcept {
+  return text.size() >= 2 && isSeparator(text[0]) && isSeparator(text[1]);
+}
+
+// The length of "\\server\share\" at the front of a text that begins at a server; 0 when it is not
+// whole.
 std::size_t serverLength(std::string_view text) noexcept {
-  if (text.size() < 2 || !isSeparator(text[0]) || !isSeparator(text[1])) {
-    return 0;
-  }
   const std::size_t share = namedSegmentEnd(text, 2);
   return share == 0 ? 0 : namedSegmentEnd(text, share);
 }
@@ -101,11 +103,12 @@ bool isRefused(const PathRecord& record, int mode) noexcept {
 
 int scanPath(PathRecord& record, std::string_view text, int mode) {
   record = PathRecord{};
-  const std::size_t server = (mode & MODE_UNC) != 0 ? serverLength(text) : 0;
+  const bool hasServer = (mode & MODE_UNC) != 0 && beginsAtServer(text);
+  const std::size_t server = hasServer ? serverLength(text) : 0;
   const std::size_t drive = server == 0 && (mode & MODE_DRIVE) != 0 ? driveLength(text) : 0;
   const std::size_t root = server + drive;
   const std::size_t end = pathEnd(text, root);
-  if (end == 0 || end > PATH_LENGTH) {
+  if (end == 0 || end > PATH_LENGTH || (hasServer && server == 0)) {
     return -1;
   }
   normalise(text.substr(0, end), record.path);

@@ -56,13 +56,22 @@ void GENSwallow(Operation&& operation) noexcept {
   }
 }
 
+// Runs `operation` and answers what it does; memory that cannot be had is the assertion 1 at
+// `source` and `line`.
+template <class Operation>
+decltype(auto) GENWithMemory(const char* source, unsigned int line, Operation&& operation) {
+  try {
+    return std::forward<Operation>(operation)();
+  } catch (const std::bad_alloc&) {
+    GENAssert(GEN_NULL_POINTER, source, line);
+  }
+}
+
 // A new T; memory that cannot be had, for the object or inside its constructor, is the assertion 1
 // at `source` and `line`.
 template <class T, class... Arguments>
 std::unique_ptr<T> GENMake(const char* source, unsigned int line, Arguments&&... arguments) {
-  try {
+  return GENWithMemory(source, line, [&] {
     return std::unique_ptr<T>(new T(std::forward<Arguments>(arguments)...));
-  } catch (const std::bad_alloc&) {
-    GENAssert(GEN_NULL_POINTER, source, line);
-  }
+  });
 }

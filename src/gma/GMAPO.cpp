@@ -6,6 +6,7 @@
 
 #include "dv/DVDECODE.h"
 #include "dv/DVPATH.h"
+#include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "gma/GMAPOGRP.h"
 #include "log/LOGGLB.h"
@@ -14,6 +15,7 @@
 
 namespace {
 
+constexpr char SOURCE[] = "gmapo";
 constexpr unsigned int FACILITY = 8;
 constexpr unsigned int DIRECTORY_STREAMS = 15;
 constexpr unsigned int MARKER_STREAMS = 5;
@@ -35,9 +37,12 @@ GMA_PostOffice::GMA_PostOffice(GMA_POGroup* group, const SCL_StringRef& name)
 GMA_PostOffice::~GMA_PostOffice() = default;
 
 void GMA_PostOffice::open(unsigned int& status) {
-  if (status != 0) {
-    return;
+  if (status == 0) {
+    GENWithMemory(SOURCE, __LINE__, [&] { openOrClose(status); });
   }
+}
+
+void GMA_PostOffice::openOrClose(unsigned int& status) {
   if (isDown(status)) {
     if (m_state == OPEN) {
       doClose(status);
@@ -56,7 +61,7 @@ void GMA_PostOffice::close(unsigned int& status) {
     return;
   }
   if (m_state == OPEN) {
-    doClose(status);
+    GENWithMemory(SOURCE, __LINE__, [&] { doClose(status); });
   }
   m_state = CLOSED;
 }
@@ -70,7 +75,8 @@ bool GMA_PostOffice::isDown(unsigned int& status) {
   if (!directoryOf(m_down_file, directory)) {
     return false;
   }
-  return !checkDirectory(directory) || checkMarker(status);
+  return GENWithMemory(SOURCE, __LINE__,
+                       [&] { return !checkDirectory(directory) || checkMarker(status); });
 }
 
 // Whether the marker file's directory can be reached; the current directory always counts so.

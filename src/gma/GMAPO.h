@@ -28,7 +28,7 @@ class GMA_PostOffice {
   GMA_PostOffice& operator=(const GMA_PostOffice&) = delete;
 
   // The virtual operations, in slot order. Those with a status do nothing when it is nonzero on
-  // entry, but for isDown.
+  // entry, but for isDown. Memory that cannot be had is the assertion 1, never std::bad_alloc.
   virtual ~GMA_PostOffice();
   // The kind; addresses pass only between post offices of one kind.
   virtual int type() = 0;
@@ -75,6 +75,8 @@ class GMA_PostOffice {
   bool m_must_open = true;
 
  private:
+  void openOrClose(unsigned int& status);
+  void readSection(PFA_Profile& profile, unsigned int& status);
   void configureEntry(PFA_Profile& profile, unsigned int& status);
   void applyEntry(const char* name, const char* value, unsigned int& status);
   void setMustOpen(const char* answer);

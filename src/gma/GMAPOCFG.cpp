@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "dv/DVDECODE.h"
+#include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "gma/GMAPO.h"
 #include "log/LOGGLB.h"
@@ -11,6 +12,7 @@
 
 namespace {
 
+constexpr char SOURCE[] = "gmapocfg";
 constexpr unsigned int FACILITY = 8;
 constexpr unsigned int STREAMS = 15;
 
@@ -47,9 +49,12 @@ void logBadEntry(const SCL_String& section, const PFA_Profile& profile, unsigned
 }  // namespace
 
 void GMA_PostOffice::configure(PFA_Profile& profile, unsigned int& status) {
-  if (status != 0) {
-    return;
+  if (status == 0) {
+    GENWithMemory(SOURCE, __LINE__, [&] { readSection(profile, status); });
   }
+}
+
+void GMA_PostOffice::readSection(PFA_Profile& profile, unsigned int& status) {
   status = profile.selectSection(m_name);
   if (status == PFA_SECTION_NOT_FOUND) {
     logNoSection(m_name);

@@ -14,6 +14,7 @@
 
 namespace {
 
+constexpr char SOURCE[] = "krxpo";
 constexpr unsigned int HOST_FACILITY = 1;
 constexpr unsigned int MAX_DIAL_TEXT = 256;
 constexpr unsigned int MAX_DIRECTORY = 260;
@@ -34,6 +35,13 @@ struct KRX_PostOffice::StringDirective {
 
 void KRX_PostOffice::configDirective(const SCL_StringRef& name, const SCL_StringRef& value,
                                      unsigned int& status) {
+  if (status == 0) {
+    GENWithMemory(SOURCE, __LINE__, [&] { applyDirective(name, value, status); });
+  }
+}
+
+void KRX_PostOffice::applyDirective(const SCL_StringRef& name, const SCL_StringRef& value,
+                                    unsigned int& status) {
   static constexpr StringDirective STRINGS[] = {
       {"SourceDir", &KRX_PostOffice::m_src_dir, "source directory", nullptr, KRX_SOURCE_TWICE, 0},
       {"DestDir", &KRX_PostOffice::m_dst_dir, "destination directory", nullptr, KRX_DEST_TWICE, 0},
@@ -47,9 +55,6 @@ void KRX_PostOffice::configDirective(const SCL_StringRef& name, const SCL_String
       {"RasPassword", &KRX_PostOffice::m_ras_password, "RasPassword", "RasPassword",
        KRX_PASSWORD_TWICE, KRX_PASSWORD_LENGTH},
   };
-  if (status != 0) {
-    return;
-  }
   for (const StringDirective& directive : STRINGS) {
     if (SCL_equalNoCase(name, directive.name)) {
       setOnce(directive, value, status);
@@ -146,9 +151,12 @@ void KRX_PostOffice::setCommand(const SCL_StringRef& value) {
 }
 
 void KRX_PostOffice::validate(unsigned int& status) {
-  if (status != 0) {
-    return;
+  if (status == 0) {
+    GENWithMemory(SOURCE, __LINE__, [&] { checkConfiguration(status); });
   }
+}
+
+void KRX_PostOffice::checkConfiguration(unsigned int& status) {
   checkDirectory(m_src_dir, true, status);
   checkDirectory(m_dst_dir, false, status);
   if (status == 0 && m_dflt_domain.isEmpty()) {

@@ -43,6 +43,8 @@ class KRX_PostOffice : public GMA_PostOffice {
   GMA_Message* fetchMessage(unsigned int& status);
 
   // Configuration (krxconf.cpp).
+  void applyDirective(const SCL_StringRef& name, const SCL_StringRef& value, unsigned int& status);
+  void checkConfiguration(unsigned int& status);
   void setOnce(const StringDirective& directive, const SCL_StringRef& value, unsigned int& status);
   void setNumber(const SCL_StringRef& name, const SCL_StringRef& value, unsigned int& status);
   void setCommand(const SCL_StringRef& value);

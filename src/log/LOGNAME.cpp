@@ -84,8 +84,9 @@ std::string LOG_NamePattern::nameOf(std::uint32_t key) const {
 bool LOG_NamePattern::keyOf(std::string_view path, std::uint32_t& key) const {
   const std::string_view name = path.substr(startOfName(path));
   const std::string_view prefix = std::string_view(m_prefix).substr(startOfName(m_prefix));
-  if (name.size() < prefix.size() + m_suffix.size() || !name.starts_with(prefix) ||
-      !name.ends_with(m_suffix)) {
+  if (name.size() < prefix.size() + m_suffix.size() ||
+      !SCL_equalNoCase(name.substr(0, prefix.size()), prefix) ||
+      !SCL_equalNoCase(name.substr(name.size() - m_suffix.size()), m_suffix)) {
     return false;
   }
   const std::string_view digits =

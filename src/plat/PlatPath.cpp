@@ -73,21 +73,26 @@ std::string driveToNative(std::string_view path) {
   return root.empty() ? std::string() : below(std::string(root), rest);
 }
 
-// Neither the server nor the share may lead out of the directory that stands for the network.
-bool staysBelow(std::string_view serverAndShare) {
-  for (int part = 0; part < 2; ++part) {
-    const std::string_view name = serverAndShare.substr(0, serverAndShare.find_first_of("\\/"));
-    if (name == "." || name == "..") {
+// Neither the server and the share nor any ".." behind them may lead out of the directory that
+// stands for the share.
+bool staysBelowShare(std::string_view path) {
+  constexpr int SERVER_AND_SHARE = 2;
+  int depth = 0;
+  while (!path.empty()) {
+    const std::string_view name = path.substr(0, path.find_first_of("\\/"));
+    path.remove_prefix(std::min(name.size() + 1, path.size()));
+    const bool isPlace = name.empty() || name == "." || name == "..";
+    if (isPlace && (depth < SERVER_AND_SHARE || (name == ".." && depth == SERVER_AND_SHARE))) {
       return false;
     }
-    serverAndShare.remove_prefix(std::min(name.size() + 1, serverAndShare.size()));
+    depth += !isPlace ? 1 : name == ".." ? -1 : 0;
   }
   return true;
 }
 
 std::string networkToNative(std::string_view path) {
   path.remove_prefix(2);
-  if (!staysBelow(path)) {
+  if (!staysBelowShare(path)) {
     return std::string();
   }
   const char* root = setting("KRX_UNC_ROOT");

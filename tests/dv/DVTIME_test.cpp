@@ -108,8 +108,9 @@ TEST(DateTime, DaysAreCarriedIntoTheDate) {
   EXPECT_EQ(shown(value), "19981231 23595900");
   DV_DateTime null = DV_DateTime::NULL_VALUE;
   EXPECT_EQ(null.addTime(1, 0, 0, 0), -1);
+  EXPECT_EQ(shown(null), "00000000 01000000") << "the time is set all the same";
   EXPECT_EQ(null.addOffset(DV_TimeOffset(0, 1, 0, 0, 0)), -1);
-  EXPECT_TRUE(null.isNull());
+  EXPECT_EQ(shown(null), "00000000 01000000");
   DV_DateTime first = DV_DateTime::FIRST;
   EXPECT_EQ(assertionOf([&] { first.addOffset(DV_TimeOffset(-1, 1, 0, 0, 0)); }),
             "Value out of range in DVDATE at 875");
@@ -157,7 +158,8 @@ TEST(DateTime, FormatsByTheSizeOfTheBuffer) {
   EXPECT_EQ(assertionOf([] { formatted(DV_DateTime::NULL_VALUE, 5); }),
             "Index out of range in DVDATTIM at 362");
   EXPECT_EQ(assertionOf([&] { formatted(noMonth, 12); }), "Value out of range in DVDATTIM at 371");
-  EXPECT_EQ(assertionOf([] { formatted(MONDAY, 5); }), "Index out of range in DVDATTIM at 392");
+  EXPECT_EQ(assertionOf([&] { formatted(noMonth, 21); }), "Value out of range in DVDATTIM at 392");
+  EXPECT_EQ(assertionOf([] { formatted(MONDAY, 5); }), "Index out of range in DVDATTIM at 362");
 }
 
 TEST(TimeOffset, ParsesSignedDaysBeforeTheTime) {

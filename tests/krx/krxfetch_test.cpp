@@ -18,6 +18,7 @@
 #include "krx/Support.h"
 #include "krx/krxmaddr.h"
 #include "krx/krxspool.h"
+#include "pfa/PFAPROF.h"
 #include "plat/PlatClock.h"
 #include "plat/PlatLock.h"
 #include "plat/PlatPath.h"
@@ -462,6 +463,32 @@ TEST_F(Store, WhicheverAllocationFailsNoMailIsLostOrHalfDelivered) {
     fs::remove(native(out() + "A.MSG"));
     fs::remove(native(out() + "A.RCP"));
   });
+  takeLog();
+}
+
+// A host that only knows statuses and assertions must get no std::bad_alloc from any slot.
+TEST_F(Store, ASlotThatRunsOutOfMemoryAsserts) {
+  const std::string file = in() + "krx.ini";
+  writeFile(file, "[PO]\nPODownFile = " + in() + "down.txt\nSourceDir = " + in() +
+                      "\nDestDir = " + out() + "\nMailDomain = x\nContainerClass = y\n");
+  int failures = 0;
+  failing::eachAllocation([&](int at, const auto& during) {
+    PFA_Profile profile(file.c_str());
+    KRX_PostOffice office(&m_group, "PO");
+    unsigned int status = 0;
+    std::optional<std::string> failure;
+    during([&] {
+      failure = GENCatch([&] {
+        office.configure(profile, status);
+        office.open(status);
+        office.close(status);
+      });
+    });
+    failures += failure ? 1 : 0;
+    EXPECT_THAT(failure.value_or("!!Assert"), testing::StartsWith("!!Assert")) << at;
+    EXPECT_TRUE(failure || status == 0) << at << ' ' << status;
+  });
+  EXPECT_GT(failures, 0);
   takeLog();
 }
 

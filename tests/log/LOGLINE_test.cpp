@@ -62,6 +62,7 @@ TEST(LogName, OnlyNamesOfTheSeriesAreRecognised) {
   for (const char* path : {"LOG990230.TXT", "LOG9901233.TXT", "LOG99 123.TXT", "LOG.TXT"}) {
     EXPECT_EQ(recognised(root, Kind::date, path), "-") << path;
   }
+  EXPECT_EQ(recognised(root, Kind::date, "log510101.txt"), "/var/l[o]g/LOG510101.TXT");
   EXPECT_EQ(recognised("L%3u", Kind::number, "L  7"), "L  7");
   for (const char* path : {"L", "L4294967296", "L-1", "L 07", "L7x"}) {
     EXPECT_EQ(recognised("L%03u", Kind::number, path), "-") << path;

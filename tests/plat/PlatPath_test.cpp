@@ -29,6 +29,9 @@ TEST(PlatPath, OtherDrivesAndServersStandWhereTheSiteSays) {
 TEST(PlatPath, NoNameLeadsElsewhereUnnoticed) {
   EXPECT_EQ(toNative("\\\\..\\share\\a"), "");
   EXPECT_EQ(toNative("\\\\server\\..\\a"), "");
+  EXPECT_EQ(toNative("\\\\\\\\..\\..\\etc\\x"), "") << "nor does a server without a name";
+  EXPECT_EQ(toNative("\\\\server\\share\\a\\.\\..\\..\\x"), "");
+  EXPECT_EQ(toNative("\\\\server\\share\\a\\..\\x"), "/mnt/unc/server/share/a/../x");
   EXPECT_EQ(toNative(std::string_view("C:\\a\0.txt", 9)), "");
   scene::elsewhere([] {
     const std::string removed = testing::TempDir() + "/gone" + std::to_string(::getpid());
