@@ -127,6 +127,11 @@ TEST_F(AccessTest, AttributesAreOfOneKind) {
   EXPECT_EQ(number, 5U);
   m_object.getIntegerAttribute("size", number, m_status);
   EXPECT_EQ(number, 0U);
+  text = "old";
+  m_object.lookupStringAttribute("size", text, m_status);
+  EXPECT_EQ(text, SCL_StringRef("old"));
+  m_object.getStringAttribute("size", text, m_status);
+  EXPECT_TRUE(text.isEmpty());
 }
 
 TEST_F(AccessTest, InheritedAttributesComeFromTheNearestParent) {
@@ -246,6 +251,9 @@ TEST_F(AccessTest, PointerSharesContentButNotNewAttributes) {
   pointer.addChild(named("x"), m_status);
   EXPECT_EQ(pointer.childCount(m_status), 1U);
   EXPECT_FALSE(pointer.hasChildren(m_status));
+  const std::unique_ptr<DAC> other(named("y"));
+  pointer.setChild(0, other.get(), m_status);
+  EXPECT_NE(m_object.getChild(0, m_status), other.get()) << "it has no such child of its own";
 }
 
 TEST_F(AccessTest, DumpShowsAttributesAndChildren) {

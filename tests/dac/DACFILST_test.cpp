@@ -45,6 +45,9 @@ TEST_F(FileTest, OpenTellsWhatTheNameIs) {
   const std::string name = makeFile("a.txt", "x");
   File file(name.c_str(), 0, m_status);
   EXPECT_EQ(m_status, 0U);
+  unsigned int failed = DAC_END;
+  EXPECT_EQ(file.stream()->size(failed), 0);
+  EXPECT_EQ(file.stream()->size(m_status), 1);
   EXPECT_STREQ(file.findAttribute(dac::CONTENT_TITLE)->string().c_str(), "a.txt");
   EXPECT_EQ(file.findAttribute(dac::CONTENT_PATH)->string().c_str(), plat::fromNative(name));
   EXPECT_EQ(statusOf("missing", 0), DV_NOT_FOUND);

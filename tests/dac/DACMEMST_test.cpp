@@ -145,6 +145,9 @@ TEST(SubRange, EndsWhereItsBaseEnds) {
   EXPECT_EQ(std::exchange(status, 0), DAC_END);
   EXPECT_EQ(DAC_SubRangeDataAccess(base, 2, 3).read(5, buffer, status), 3);
   EXPECT_EQ(DAC_SubRangeDataAccess(base, 2, -1).size(status), 0);
+  status = DAC_END;
+  EXPECT_EQ(range.size(status), 0);
+  status = 0;
   base.setSize(3, status);
   EXPECT_EQ(range.size(status), 0);
 }

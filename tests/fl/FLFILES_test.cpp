@@ -127,9 +127,14 @@ TEST_F(Files, MakingADirectoryTellsWhatIsInItsWay) {
   folder.write("f", "x");
   EXPECT_EQ(make("f/"), 454U);
   EXPECT_EQ(make("none/d"), 483U);
+  EXPECT_EQ(fl::makeDirectory("/"), 482U);
   EXPECT_EQ(fl::makePath(folder.path("d/b\\c").c_str()), 0U);
   EXPECT_TRUE(std::filesystem::is_directory(folder.path("d/b/c")));
   EXPECT_EQ(fl::makePath(folder.path("f/g").c_str()), 454U);
+  // A share that is not there is not made.
+  const scene::Environment network("KRX_UNC_ROOT", folder.path("d"));
+  EXPECT_EQ(fl::makePath("\\\\server\\share\\a\\b"), 483U);
+  EXPECT_FALSE(std::filesystem::exists(folder.path("d/server")));
 }
 
 }  // namespace

@@ -51,6 +51,8 @@ TEST_F(Inbound, MultipartGivesBodyItemsPreambleAndEpilogue) {
             "item \"<attachment>\" MIME_Image: TWFu\n\n  child: Man\n"
             "item \"<attachment>\" MIME_Text: second\n\n");
   EXPECT_EQ(readParts("--b\n\nx\n.\nafter\n"), "POSTAMBLE|after\nbody \"<body>\" MIME_Text: x\n\n");
+  EXPECT_EQ(readParts("..pre\n--b\n\n..x\n--b--\n..post\n"),
+            "PREAMBLE|..pre\nPOSTAMBLE|..post\nbody \"<body>\" MIME_Text: .x\n\n");
 }
 
 TEST_F(Inbound, ANameMakesAnItemAndHtmlIsNoBody) {

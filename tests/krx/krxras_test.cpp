@@ -257,7 +257,8 @@ TEST_F(DialUp, AServiceThatLiesAboutSizesIsNotBelieved) {
   KRX_RasApi api;
   api.getEntryProperties = [](const char*, const char*, RasEntry* entry, std::uint32_t* size,
                               std::uint8_t*, std::uint32_t* deviceInfoSize) {
-    std::memset(entry->x25UserData, 'x', sizeof entry->x25UserData);
+    std::memset(entry->x25Facilities, 'x', sizeof entry->x25Facilities);
+    std::memset(entry->x25UserData, 'y', sizeof entry->x25UserData);
     entry->idleDisconnectSeconds = 30;
     *size = *deviceInfoSize = UINT32_MAX;
     return std::uint32_t{0};
@@ -278,8 +279,10 @@ TEST_F(DialUp, AServiceThatLiesAboutSizesIsNotBelieved) {
   Listing::take();
   line.check(status);
   EXPECT_EQ(status, 0U);
-  EXPECT_THAT(Listing::take(), testing::AllOf(HasSubstr("X25UserData " + std::string(201, 'x')),
-                                              HasSubstr("2048 bytes\nDeviceInfo.\n1024 bytes\n")));
+  EXPECT_THAT(Listing::take(),
+              testing::AllOf(HasSubstr("X25Facilities " + std::string(201, 'x') + "\n"),
+                             HasSubstr("X25UserData " + std::string(201, 'y')),
+                             HasSubstr("2048 bytes\nDeviceInfo.\n1024 bytes\n")));
   takeLog();
   line.raise();
   EXPECT_THAT(takeLog(), ElementsAre("11:3 Start RASDialUp isp",

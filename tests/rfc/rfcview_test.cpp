@@ -66,6 +66,7 @@ TEST(Multipart, PartsEndBeforeTheLineBreakOfTheBoundary) {
             "[part one][part two]");
   EXPECT_EQ(partsOf("--simple\na\n\n--simple\n\nb\r\n\r\n--simple--"), "[a][\nb\r\n]");
   EXPECT_EQ(partsOf("--simple\n--simple\n\n--simple--"), "[][\n]");
+  EXPECT_EQ(partsOf("--simple\na\n.\n--simple\nb\n--simple--"), "[a\n.][b]");
 }
 
 TEST(Multipart, PreambleAndEpilogueBelongToNoPart) {
