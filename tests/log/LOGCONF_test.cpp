@@ -49,6 +49,11 @@ TEST_F(Configuration, StreamsTakeTheirSlotLevelAndFilterFromTheirSections) {
   EXPECT_EQ(logged(1), common);
   EXPECT_EQ(logged(1U << 15),
             common + "14:05:09.27 (GMA:004) debug\n14:05:09.27 (GMA:001) other\n");
+  log->writeText(0xFFFF, 11, 0xFFFFFFFF, "beyond all levels");
+  EXPECT_EQ(logged(1), common);
+  EXPECT_EQ(configure("[Log]\n[Main]\n%M"), "0 0");
+  // A name as it stands goes before one that would have to lose its blanks.
+  EXPECT_EQ(configure("[Log]\nMain Log = 0\n[Main Log]\nStreamType = x\n[MainLog]\n%M"), "0 1");
 }
 
 TEST_F(Configuration, AStreamThatThereIsNoMemoryForIsAStatus) {
@@ -68,7 +73,10 @@ TEST_F(Configuration, AStreamThatThereIsNoMemoryForIsAStatus) {
 TEST_F(Configuration, FaultsKeepTheStreamsThatAreGood) {
   const auto with = [&](const std::string& entries) {
     return configure("[Log]\nMain = 0\n" + entries +
-                     "[Main]\n%M[Events]\nStreamType = AppEvent\n"
+                     "[Main]\n%M[Events]\nStreamType = AppEvent\nEventId = 7\n"
+                     "[Typeless]\nMaxLevel = Brief\n[Long]\n%MFileRootName = " +
+                     std::string(128, 'x') +
+                     "\n"
                      "[Odd]\nStreamType = Printer\n[Loud]\n%MMaxLevel = Loud\n"
                      "[Red]\n%MColour = red\n");
   };
@@ -76,6 +84,8 @@ TEST_F(Configuration, FaultsKeepTheStreamsThatAreGood) {
   EXPECT_EQ(with("Events = 16\nOdd = 1\n"), "10615 1");
   EXPECT_EQ(with("Events = 1\nOdd = 2\n"), "10623 3");
   EXPECT_EQ(with("Missing = 1\n"), "1830 1");
+  EXPECT_EQ(with("Events = 2\nTypeless = 1\n"), "1831 5");
+  EXPECT_EQ(with("Long = 1\nEvents = 2\n"), "1820 5");
   EXPECT_EQ(with("Loud = 1\nRed = 2\nEvents = 3\n"), "10628 9");
   EXPECT_EQ(with("Red = 1\nLoud = 2\nEvents = 3\n"), "121 9");
 }

@@ -40,8 +40,8 @@ TEST_F(ProfileLines, NamesLoseTheirBlanksValuesKeepThem) {
 }
 
 TEST_F(ProfileLines, EntriesStandInTheOrderOfTheirIndexes) {
-  EXPECT_EQ(read("b:2=1\na=2\n;of a\nc:10=3\n;of c\nd:2=4\ne:x=5\nf:123456=6\n", true),
-            "[] a=2|;of a|e:x=5|b:2=1|d:2=4|c:10=3|;of c|f:123456=6|1823");
+  EXPECT_EQ(read("g:70000=7\nb:2=1\na=2\n;of a\nc:10=3\n;of c\nd:2=4\ne:x=5\nf:123456=6\n", true),
+            "[] a=2|;of a|e:x=5|b:2=1|d:2=4|c:10=3|;of c|f:123456=6|g:70000=7|1823");
 }
 
 TEST_F(ProfileLines, OverlongLinesAreReadAsSeveral) {
@@ -51,6 +51,7 @@ TEST_F(ProfileLines, OverlongLinesAreReadAsSeveral) {
 
 TEST_F(ProfileLines, AHeaderWithoutItsBracketIsRefused) {
   EXPECT_EQ(read("[S]\nA=1\n[T\n"), "1827");
+  EXPECT_EQ(clock.monotonicMilliseconds(), 0) << "it does not mend itself";
   EXPECT_EQ(read("["), "1827");
 }
 
@@ -114,6 +115,7 @@ class ProfileValues : public ProfileTest {
     const unsigned int first = profile.getSigned(number, false, 1);
     const unsigned int second = profile.getUnsigned(natural, false, 1);
     const unsigned int third = profile.getBoolean(yes, false, 1);
+    EXPECT_TRUE(second == 0 || natural == 9) << text << ": the default is gone";
     return shown(first, number) + " " + shown(second, natural) + " " + shown(third, yes ? 1 : 0);
   }
 };
@@ -218,6 +220,19 @@ TEST_F(ProfileChanges, RenumberingClosesTheGaps) {
   EXPECT_EQ(profile.renumber(), 0U);
   EXPECT_EQ(now(), "[S] A=1,2|B:1=x|C:2,5|C:3,5|C:3,5|1823");
   EXPECT_EQ(profile.highestIndex(), 3U);
+}
+
+TEST_F(ProfileChanges, ACommentStaysBehindItsEntry) {
+  PFA_Profile other;
+  folder.write("b.ini", "[S]\nA:30=1\n;of A\nB:70=2\n");
+  ASSERT_EQ(other.open(folder.path("b.ini").c_str(), true, "S"), 0U);
+  EXPECT_EQ(other.addEntry("C", 7, "3", 1), 0U);
+  EXPECT_EQ(contents(other), "[S] C:7,3|A:30=1|;of A|B:70=2|1823");
+  EXPECT_EQ(other.selectSection("S"), 0U);
+  EXPECT_EQ(other.renumber(), 0U);
+  EXPECT_EQ(other.addEntry("D", 2, "4", 1), 0U);
+  EXPECT_EQ(other.addEntry("E", 3, "5", 1), 0U);
+  EXPECT_EQ(contents(other), "[S] C:1,3|A:2=1|;of A|D:2,4|B:3=2|E:3,5|1823");
 }
 
 TEST_F(ProfileChanges, APositionLastsAsLongAsItsEntry) {
