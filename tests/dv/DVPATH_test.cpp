@@ -3,9 +3,12 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "scl/Failure.h"
 
@@ -79,6 +82,18 @@ TEST(ComposePath, WritesWhollyOrNot) {
   EXPECT_STREQ(dv::composePath(record, dv::PART_FOLDER).c_str(), "d:\\in\\");
 }
 
+// What a process that may not look into a directory gets.
+int asStranger(const std::function<int()>& check) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const bool isStranger = ::geteuid() != 0 || ::setuid(65534) == 0;
+    ::_exit(isStranger ? -check() : 99);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return -WEXITSTATUS(status);
+}
+
 class PathChecks : public testing::Test {
  protected:
   PathChecks() {
@@ -124,6 +139,7 @@ TEST_F(PathChecks, AFilesFormIsCheckedBeforeItsExistence) {
   EXPECT_EQ(file(".x"), -2);
   EXPECT_EQ(dv::checkFile("a\\"), -4);
   EXPECT_EQ(file(".."), -4);
+  EXPECT_EQ(file("none/.."), -4);
   EXPECT_EQ(dv::checkFile("q:\\x"), -3);
   EXPECT_EQ(failureOf([] { dv::checkFile(static_cast<const char*>(nullptr)); }),
             "Null pointer in DVPATCHK");
@@ -139,9 +155,16 @@ TEST_F(PathChecks, DirectoriesMayEndInASeparator) {
   EXPECT_EQ(directory("s*"), -1);
   EXPECT_EQ(dv::checkDirectory(dv::PATH_SIZE, ""), -1);
   EXPECT_EQ(dv::checkDirectory(dv::PATH_SIZE, "a:b:c"), -1);
-  for (const char* root : {"/", "C:\\", "c:", "."}) {
+  for (const char* root : {"/", "\\", "C:\\", "C:/", "c:", "."}) {
     EXPECT_EQ(dv::checkDirectory(dv::PATH_SIZE, root), 0) << root;
   }
+}
+
+// A server that does not let us in now may do so later, as one that is not there.
+TEST_F(PathChecks, WhatCannotBeReachedDoesNotExist) {
+  fs::permissions(m_root / "sub", fs::perms::none);
+  EXPECT_EQ(asStranger([&] { return file("sub/x.RCP"); }), -3);
+  EXPECT_EQ(asStranger([&] { return directory("sub/in"); }), -3);
 }
 
 TEST_F(PathChecks, OnAnotherDriveARelativeDirectoryBeginsAtTheRoot) {

@@ -57,9 +57,11 @@ TEST_F(PostOfficeTest, HandsOnWhatItDoesNotKnowAndThenValidates) {
   EXPECT_EQ(configure("[Main]\n"), 0U);
   EXPECT_EQ(configure("[Main]\n; a comment that is longer than any name may be\nB=2\n", true), 0U);
   EXPECT_EQ(postOffice.calls, "SourceDir=/in;Last=1;validate;validate;B=2;validate;");
+  EXPECT_EQ(configure("[Main]\nMustOpenAtStart=yes please\n"), 0U);
+  EXPECT_TRUE(postOffice.mustOpenAtStart());
   EXPECT_EQ(gmatest::logText(), "");
   EXPECT_EQ(configure("[Main]\nMustOpenAtStart=maybe\n"), 0U);
-  EXPECT_FALSE(postOffice.mustOpenAtStart());
+  EXPECT_TRUE(postOffice.mustOpenAtStart());
   EXPECT_EQ(gmatest::logText(), logged("MustOpenAtStart has to be YES or NO not \"maybe\"."));
 }
 
