@@ -37,8 +37,10 @@ TEST(Date, IsValidFrom1900To2078) {
 TEST(Date, DigitsThatDoNotFitNeverMakeAValidDate) {
   EXPECT_EQ(shown(DV_Date(4294967295U, 150, 100)), "99999999");
   DV_Date date(1998, 1, 5);
-  std::memcpy(const_cast<char*>(date.digits()), "1998 1/5", 8);
-  EXPECT_FALSE(date.isValid());
+  for (const char* digits : {"1998 1/5", "1998010;"}) {
+    std::memcpy(const_cast<char*>(date.digits()), digits, 8);
+    EXPECT_FALSE(date.isValid()) << digits;
+  }
 }
 
 TEST(Date, DayNumbersGoOnToTheYear9999) {

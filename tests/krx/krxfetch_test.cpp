@@ -18,6 +18,7 @@
 #include "krx/Support.h"
 #include "krx/krxmaddr.h"
 #include "krx/krxspool.h"
+#include "log/LOGGLB.h"
 #include "pfa/PFAPROF.h"
 #include "plat/PlatClock.h"
 #include "plat/PlatLock.h"
@@ -25,6 +26,10 @@
 #include "scl/FailingMemory.h"
 #include "scl/Failure.h"
 #include "scl/SCLEXCPT.h"
+
+extern "C" int KRX_GetMailAccessObject(const char* unused, GMA_POGroup* group, const char* name,
+                                       LOG_Logging& log, GMA_PostOffice** result,
+                                       unsigned int& status);
 
 static int failingCommit = 0;
 static int rivalCommit = 0;
@@ -489,6 +494,19 @@ TEST_F(Store, ASlotThatRunsOutOfMemoryAsserts) {
     EXPECT_TRUE(failure || status == 0) << at << ' ' << status;
   });
   EXPECT_GT(failures, 0);
+  failing::eachAllocation([&](int at, const auto& during) {
+    GMA_PostOffice* made = nullptr;
+    unsigned int status = 0;
+    std::optional<std::string> failure;
+    during([&] {
+      failure = GENCatch([&] {
+        KRX_GetMailAccessObject(nullptr, &m_group, "PO", LOG_globalLog(), &made, status);
+      });
+    });
+    EXPECT_THAT(failure.value_or("!!Assert"), testing::StartsWith("!!Assert")) << at;
+    EXPECT_TRUE(failure || status == (made != nullptr ? 0U : 11970U)) << at << ' ' << status;
+    delete made;
+  });
   takeLog();
 }
 
