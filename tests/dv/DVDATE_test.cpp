@@ -75,6 +75,7 @@ TEST(Date, DifferencesAreDays) {
   DV_Date date(1998, 1, 5);
   EXPECT_EQ(date.addNumber(DV_Number(55), 1), 0);
   EXPECT_EQ(shown(date), "19980302");
+  EXPECT_EQ(date.addNumber(DV_Number(2958524), 0), -1);
   EXPECT_EQ(assertionOf([&] { date.addNumber(DV_Number(-99999), 0); }),
             "Value out of range in DVDATE at 875");
   EXPECT_EQ(DV_Date(DV_Date::NULL_DATE).addNumber(DV_Number(-99999), 0), -1);

@@ -135,6 +135,7 @@ TEST(Decode, LaysOutGroupsWhateverMatches) {
       {"{5 A}{5#B}", "AB", 2, "2 [1,1]"},
       {"{/AB%U}C%U", "AC3", 2, "3 [0,3]"},
       {"{/A[B%U]C}%U", "A7", 3, "2 [0,0,7]"},
+      {"[{/AB|C}D]%U", "AD7", 2, "3 [1,7]"},
       {"{+A|B", "B", 1, "1 [2]"},  // the end closes what is open
       {"%l", "", 0, "0"},
       {"{?A}", "A", 1, "-11"},
@@ -164,6 +165,7 @@ TEST(Decode, ReadsIntegersIntoWordsAndBytes) {
 
 TEST(Decode, ReadsTextsIntoFieldsOfTheirCount) {
   EXPECT_EQ(bytes("%3C%4C", "abcd", 7), "4 abcd   ");
+  EXPECT_EQ(bytes("%3C", "", 3), "0    ");
   EXPECT_EQ(bytes("%4S", "abcdef", 4), "6 abc.");
   EXPECT_EQ(bytes("%0S", "abc", 1), "3 .");
   EXPECT_EQ(bytes("%5Q;", "\"a\"\"b\";", 5), "7 a\"b..");
@@ -180,6 +182,7 @@ TEST(Decode, ReadsTextsIntoFieldsOfTheirCount) {
 TEST(Decode, ReadsAnswersAndLiterals) {
   EXPECT_EQ(bytes("%A,%A", "ye,no", 2), "5 \x01.");
   EXPECT_EQ(bytes("%A", "maybe", 1), "-1");
+  EXPECT_EQ(bytes("%A", "yes", 1, true) + bytes("%A", "YES", 1, true), "-13 \x01");
   EXPECT_EQ(bytes("%{%%%|", "{%|", 0), "3 ");
   EXPECT_EQ(bytes("a B", "A   b", 0), "5 ");
   EXPECT_EQ(bytes("aB", "AB", 0, true), "-1");

@@ -137,6 +137,7 @@ TEST(DateTime, ParsesADateATimeOrBoth) {
   EXPECT_EQ(parsed(MONDAY, ""), "no match");
   EXPECT_EQ(parsed(MONDAY, "  "), "no match");
   EXPECT_EQ(parsed(MONDAY, "99999999999"), "19980105 09040307");
+  EXPECT_EQ(parsed(MONDAY, "6-Feb-1999 99999999999:00"), "19990206 00000000");
 }
 
 TEST(DateTime, AnAssertionWhileParsingLeavesTheValue) {

@@ -185,8 +185,10 @@ TEST_F(TemporaryNames, TheDirectoryMayNameAVariable) {
   const Variable place("KRX_TEST_PLACE", folder.path("x"));
   setDirectory(ValueType::expandString, "%KRX_TEST_PLACE%");
   EXPECT_EQ(name(), folder.path("x\\12345100"));
+  setDirectory(ValueType::string, folder.path("%KRX_TEST_PLACE%"));
+  EXPECT_EQ(name(), folder.path("%KRX_TEST_PLACE%\\12345101"));
   setDirectory(ValueType::number, "abcd");
-  EXPECT_EQ(name(), "C:\\12345101");
+  EXPECT_EQ(name(), "C:\\12345102");
 }
 
 TEST_F(TemporaryNames, ShortBuffersAndABusyMutexGiveNoName) {

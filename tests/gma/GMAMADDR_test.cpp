@@ -135,6 +135,14 @@ TEST_F(AddressTable, ACopyKeepsEqualEntriesAndAnAssignmentDoesNot) {
   EXPECT_TRUE(copy.contains(user(0)));
 }
 
+TEST_F(AddressTable, ACopyThatCannotBeMadeIsAnAssertion) {
+  struct Uncopied : GMA_Maddr {
+    GMA_Maddr* clone() const override { return nullptr; }
+  };
+  EXPECT_EQ(failureOf([&] { table.add(Uncopied()); }), "Null pointer in GMAMADRT");
+  EXPECT_EQ(table.count(), 0);
+}
+
 TEST_F(AddressTable, AnEqualityOfItsOwnIsRespectedInLongTables) {
   fill();
   table.add(Domain(gma::TOADDR, "any", "elsewhere"));

@@ -468,6 +468,19 @@ TEST_F(Store, WhicheverAllocationFailsNoMailIsLostOrHalfDelivered) {
     fs::remove(native(out() + "A.MSG"));
     fs::remove(native(out() + "A.RCP"));
   });
+  const std::string receiver = in() + "QDXRECVR\\";
+  failing::eachAllocation([&](int at, const auto& during) {
+    put("M", PLAIN);
+    unsigned int status = 0;
+    const auto message = next(status);
+    std::optional<std::string> failure;
+    during([&] { failure = GENCatch([&] { message->save(nullptr, status); }); });
+    EXPECT_THAT(failure.value_or("!!Assert"), testing::StartsWith("!!Assert")) << at;
+    const bool isSaved = !failure && status == 0;
+    fs::create_directory(native(receiver));  // unless it was made
+    EXPECT_EQ(filesIn(receiver).size(), isSaved ? 2U : 0U) << at;
+    fs::remove_all(native(receiver));
+  });
   takeLog();
 }
 

@@ -22,7 +22,7 @@ TEST_F(LogTest, EventsHaveTextAsTheirStringAndBytesAsTheirData) {
   EXPECT_EQ(set(stream, "CategoryId", "x"), 10613U);
   EXPECT_EQ(set(stream, "Colour", "red"), 121U);
   set(stream, "EventSource", "My Source");
-  set(stream, "CategoryId", "7");
+  set(stream, "categoryid", "7");
   set(stream, "EventId", "4026531841");
   stream.writeEntry(11, 1, 0, "", true);
   unsetenv("KRX_EVENTLOG");

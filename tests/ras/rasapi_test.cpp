@@ -1,3 +1,6 @@
+#include <csignal>
+#include <thread>
+
 #include <gmock/gmock.h>
 
 #include "krx/krxrasif.h"
@@ -52,11 +55,13 @@ class Service : public testing::Test {
   // "error N", or the names of the connections.
   std::string connections(std::uint32_t room = 3) const {
     RasConnection found[3] = {};
+    found[room % 3].entryName[0] = '?';  // beyond the room
     found[0].size = sizeof found[0];
     std::uint32_t size = room * static_cast<std::uint32_t>(sizeof found[0]);
     std::uint32_t count = 0;
     const std::uint32_t error =
         operation<RasEnumConnectionsFunction>("RasEnumConnectionsA")(found, &size, &count);
+    EXPECT_TRUE(room >= 3 || found[room].entryName[0] == '?');
     std::string text = error != 0 ? "error " + std::to_string(error) : "";
     for (std::uint32_t i = 0; error == 0 && i < count; ++i) {
       text += "[" + std::string(KRX_rasText(found[i].entryName)) + "]";
@@ -80,9 +85,25 @@ TEST_F(Service, AlternateNumbersFollowTheRecordInTheSizeThatIsReturned) {
   EXPECT_EQ(m_buffer.entry.alternateOffset, 1796U);
   EXPECT_EQ(std::string(m_buffer.following, m_size - 1796), std::string("0,,123\000456\0\0", 12));
   EXPECT_EQ(m_buffer.entry.ipaddr[0], 10);
+  // Unterminated numbers end with the record, whatever lies behind it.
+  m_buffer.entry.alternateOffset = sizeof m_buffer.entry;
+  std::memcpy(m_buffer.following, "123456", 6);
+  EXPECT_EQ(set("isp", 1796 + 3), 0U);
+  EXPECT_THAT(m_dialler.read("phonebook.ini"), HasSubstr("AlternatePhoneNumber,123\n"));
+  phonebook("[isp]\nAlternatePhoneNumber = 0,,123\nAlternatePhoneNumber = 456\n");
   EXPECT_EQ(get("isp", 1807), 603U);
   EXPECT_EQ(m_size, 1808U);
   EXPECT_EQ(get("ISP"), 623U);
+}
+
+TEST_F(Service, APhonebookThatSomebodyWritesIsWaitedFor) {
+  m_dialler.write("away", "[isp]\n");
+  std::thread writer([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    std::filesystem::rename(m_dialler.path("away"), m_dialler.phonebook());
+  });
+  EXPECT_EQ(get("isp"), 0U);
+  writer.join();
 }
 
 TEST_F(Service, WritingChangesWhatDiffersAndNothingElse) {
@@ -157,6 +178,7 @@ TEST_F(Service, APidFileLeftBehindNamesNoStranger) {
       m_dialler.path("pid"), std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
   EXPECT_EQ(connections(), "");
   EXPECT_EQ(hangUp(static_cast<RasHandle>(getpid())), 6U);
+  EXPECT_EQ(hangUp(0), 6U);
   for (const char* text : {"", "x\n", "1\n", "-1\n", "99999999999\n"}) {
     m_dialler.write("pid", text);
     EXPECT_EQ(connections(), "") << text;
@@ -170,7 +192,9 @@ TEST_F(Service, ExitCodesBecomeErrorsWithTexts) {
   for (const auto& [code, error] : {std::pair{"5", 631U},
                                     {"6", 633U},
                                     {"7", 608U},
+                                    {"11", 691U},
                                     {"12", 628U},
+                                    {"13", 628U},
                                     {"15", 721U},
                                     {"16", 629U},
                                     {"19", 691U},
@@ -182,6 +206,30 @@ TEST_F(Service, ExitCodesBecomeErrorsWithTexts) {
   EXPECT_STREQ(buffer, "The dialler failed.");
   EXPECT_EQ(text(635, buffer, 19), 122U);
   EXPECT_EQ(text(1, buffer, sizeof buffer), 87U);
+}
+
+TEST_F(Service, AnotherDiallerGetsQuotedTextsAndThePasswordOnItsDescriptorAlone) {
+  const std::string user = "joe; touch " + m_dialler.path("injected") + " 'x";
+  ::setenv("TMPDIR", m_dialler.path("").c_str(), 1);
+  phonebook("[isp]\nCommand = " + m_dialler.path("says") + " %u\n" + pidLine());
+  m_dialler.write("says", "#!/bin/sh\ncd " + m_dialler.path("") +
+                              "\nprintf '%s' \"$1\" >user\ncat <&3 >password\n"
+                              "grep -rlF \"$(cat password)\" . | grep -v password >holders\n"
+                              "sleep 60 3<&- &\necho $! >pid\necho $! >>started\n");
+  std::filesystem::permissions(m_dialler.path("says"), std::filesystem::perms::owner_all);
+  ::signal(SIGCHLD, SIG_IGN);  // a host that reaps its children itself: the line tells
+  EXPECT_EQ(dial("isp", user.c_str(), "s3cret"), 0U);
+  ::signal(SIGCHLD, SIG_DFL);
+  ::unsetenv("TMPDIR");
+  EXPECT_EQ(m_dialler.read("user"), user);
+  EXPECT_FALSE(std::filesystem::exists(m_dialler.path("injected")));
+  EXPECT_EQ(m_dialler.read("password"), "s3cret");
+  EXPECT_EQ(m_dialler.read("holders"), "") << "no file holds it while the dialler runs";
+  // A bad entry hides no line of a good one, and what has no room is counted and not written.
+  phonebook("[bad]\nComand = x\n[isp]\nCommand = true\n" + pidLine() + "[same]\nCommand = true\n" +
+            pidLine());
+  EXPECT_EQ(connections(), "[isp][same]");
+  EXPECT_EQ(connections(1), "error 603");
 }
 
 TEST_F(Service, WhatTheDiallerSaidLastIsPartOfItsErrorUnlessThePasswordIsInIt) {
