@@ -145,9 +145,9 @@ TEST_F(AddressTable, ACopyThatCannotBeMadeIsAnAssertion) {
 
 TEST_F(AddressTable, AnEqualityOfItsOwnIsRespectedInLongTables) {
   fill();
+  EXPECT_TRUE(table.contains(Domain(gma::AMUADDR, "any", "example")));
   table.add(Domain(gma::TOADDR, "any", "elsewhere"));
   EXPECT_TRUE(table.contains(to("joe", "elsewhere")));
-  EXPECT_TRUE(table.contains(Domain(gma::AMUADDR, "any", "example")));
 }
 
 TEST_F(AddressTable, HoldsAsManyAddressesAsCanBeCounted) {
