@@ -134,6 +134,7 @@ TEST_F(PathChecks, AFilesFormIsCheckedBeforeItsExistence) {
   EXPECT_EQ(dv::checkFile(SCL_StringRef()), -5);
   EXPECT_EQ(dv::checkFile("a:b:c"), -1);
   EXPECT_EQ(dv::checkFile("a*\\b"), -1);
+  EXPECT_EQ(dv::checkFile("\\\\s*\\share\\b"), -1);
   EXPECT_EQ(dv::checkFile("a*"), -2);
   EXPECT_EQ(dv::checkFile("a.?"), -2);
   EXPECT_EQ(file(".x"), -2);

@@ -1,6 +1,8 @@
 // Tests of deleting, copying, renaming and making directories.
 #include "fl/FLFILES.h"
 
+#include <sys/stat.h>
+
 #include "fl/BrokenDevice.h"
 #include "fl/Folder.h"
 #include "fl/FullDisk.h"
@@ -124,6 +126,10 @@ TEST(ComposeTarget, TakesWhatTheTemplateLacksFromTheSource) {
 TEST_F(Files, MakingADirectoryTellsWhatIsInItsWay) {
   EXPECT_EQ(make("d/"), 0U);
   EXPECT_EQ(make("d\\"), 482U);
+  const mode_t mask = ::umask(0022);
+  EXPECT_EQ(make("open"), 0U);
+  ::umask(mask);
+  EXPECT_EQ(folder.mode("open"), 0755U);
   folder.write("f", "x");
   EXPECT_EQ(make("f/"), 454U);
   EXPECT_EQ(make("none/d"), 483U);

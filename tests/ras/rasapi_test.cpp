@@ -2,9 +2,12 @@
 #include <thread>
 
 #include <gmock/gmock.h>
+#include <sched.h>
+#include <sys/mount.h>
 
 #include "krx/krxrasif.h"
 #include "plat/PlatLibrary.h"
+#include "plat/Scene.h"
 #include "ras/Dialler.h"
 
 namespace rastest {
@@ -168,6 +171,18 @@ TEST_F(Service, ALinkWithoutItsInterfaceIsNotUp) {
   EXPECT_EQ(hangUp(m_handle), 0U);
   EXPECT_FALSE(Dialler::isRunning(m_dialler.line()));
   EXPECT_EQ(getStatus(m_handle, &status), 6U);
+}
+
+TEST_F(Service, AnInterfaceThatIsDownKeepsNoLine) {
+  phonebook("[isp]\n" + pidLine());
+  m_dialler.write("interface", "lo\n");
+  EXPECT_EQ(dial("isp"), 0U);
+  scene::elsewhere([&] {  // in a network of its own, where "lo" is down
+    scene::require(::unshare(CLONE_NEWNET | CLONE_NEWNS) == 0 &&
+                   ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                   ::mount("sysfs", "/sys", "sysfs", 0, nullptr) == 0);
+    EXPECT_EQ(connections(), "");
+  });
 }
 
 TEST_F(Service, APidFileLeftBehindNamesNoStranger) {
