@@ -79,7 +79,7 @@ TEST_F(AttributeList, RemovesByIndexAndByIdentity) {
 }
 
 TEST_F(AttributeList, LongListsFindWhatShortOnesFindAfterEveryChange) {
-  for (unsigned int number : {16U, 500U}) {
+  for (unsigned int number : {16U, 500U, 501U}) {
     clear();
     fill(number);
     setString("New", "y");

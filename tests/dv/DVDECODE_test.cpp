@@ -163,6 +163,13 @@ TEST(Decode, ReadsIntegersIntoWordsAndBytes) {
   });
 }
 
+TEST(Decode, ARecordMayStandAnywhere) {
+  char buffer[1 + sizeof(std::uint32_t)];
+  int furthest = 0;
+  EXPECT_EQ(dv::decode("%U", false, buffer + 1, sizeof(std::uint32_t), furthest, "7"), 1);
+  EXPECT_EQ(std::string(buffer + 1, sizeof(std::uint32_t)), std::string("\7\0\0\0", 4));
+}
+
 TEST(Decode, ReadsTextsIntoFieldsOfTheirCount) {
   EXPECT_EQ(bytes("%3C%4C", "abcd", 7), "4 abcd   ");
   EXPECT_EQ(bytes("%3C", "", 3), "0    ");

@@ -1,5 +1,7 @@
 // Tests of a profile in memory: what its lines mean, walking, finding, changing.
+#include "gen/GENCATCH.h"
 #include "pfa/ProfileTest.h"
+#include "scl/FailingMemory.h"
 
 namespace {
 
@@ -190,6 +192,15 @@ TEST_F(ProfileChanges, LookingUpLeavesAPlaceholderThatNobodySees) {
   EXPECT_EQ(profile.addBoolean("Y", 0, false, 2), 0U);
   EXPECT_EQ(profile.selectSection("NEW"), 0U);
   EXPECT_EQ(value(profile, 2), "FALSE");
+}
+
+TEST_F(ProfileChanges, ALookupWithoutMemoryKeepsTheCurrentEntry) {
+  EXPECT_EQ(profile.findEntry("None"), 1831U);
+  failing::eachAllocation([&](int at, const auto& during) {
+    during([&] { GENSwallow([&] { profile.findEntry("Other"); }); });
+    EXPECT_TRUE(value(profile, 0) == "None" || value(profile, 0) == "Other") << at;
+  });
+  EXPECT_EQ(now(), "[S] A=1,2|B:1=x|1823");
 }
 
 TEST_F(ProfileChanges, DeletingMakesTheNextEntryCurrent) {
