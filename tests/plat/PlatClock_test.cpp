@@ -1,6 +1,8 @@
 // The clock that stands still, and the replacing of the process's clock.
 #include "plat/PlatClock.h"
 
+#include <ctime>
+
 #include "plat/Scene.h"
 
 namespace {
@@ -23,7 +25,10 @@ TEST(PlatClock, LocalTimeIsInTheZoneOfTheProcess) {
     plat::ManualClock manual({883'954'800, 7});  // 1998-01-04 23:00 UTC
     plat::setClock(&manual);
     plat::LocalTime t;
+    const std::time_t other = 0;
+    const std::tm* const ofTheProcess = std::localtime(&other);
     EXPECT_TRUE(plat::localNow(t));
+    EXPECT_EQ(ofTheProcess->tm_year, 70) << "the broken-down time that all threads share";
     EXPECT_EQ(t.year * 10000 + t.month * 100 + t.day, 19980105);
     EXPECT_EQ(((t.hour * 100 + t.minute) * 100 + t.second) * 1000 + t.millisecond, 10000007);
     EXPECT_FALSE(plat::clock().toLocal({INT64_MAX, 0}, t)) << "a year that no calendar holds";
