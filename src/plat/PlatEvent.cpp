@@ -1,21 +1,60 @@
-// Named events on the named semaphores of the system.
+// Named events: a counter in a file that all processes map, and a futex on it. A semaphore would
+// give a signal to one process only, and that may be the one that has just set it.
 #include "plat/PlatEvent.h"
 
+#include <atomic>
 #include <cerrno>
 #include <ctime>
 
 #include <fcntl.h>
-#include <semaphore.h>
+#include <linux/futex.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include "plat/PlatRunDir.h"
 #include "plat/PlatSystem.h"
 
 namespace plat {
 
 namespace {
 
-// Names of semaphores are one level below "/".
-std::string semaphoreName(std::string_view name) {
-  return "/krx-" + asFileName(name);
+constexpr std::size_t SIZE = sizeof(std::uint32_t);
+
+using Counter = std::atomic_ref<std::uint32_t>;
+static_assert(Counter::is_always_lock_free, "it is shared between processes");
+
+// The counter of the event, mapped; null, and an error, when it is not there or cannot be had.
+std::uint32_t* mapCounter(std::string_view name, bool create, int& error) {
+  std::string path;
+  if (error = runDirectory(path); error != 0) {
+    return nullptr;
+  }
+  path += "/" + asFileName(name) + ".event";
+  const int flags = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0);
+  const Descriptor file(repeatInterrupted([&] { return ::open(path.c_str(), flags, 0600); }));
+  struct stat found {};
+  if (!file.isOpen() || ::fstat(file.get(), &found) < 0) {
+    error = fail("open", path, errno);
+    return nullptr;
+  }
+  // Whoever comes first gives it its size, at which it stays.
+  if (found.st_size < static_cast<off_t>(SIZE) && ::ftruncate(file.get(), SIZE) < 0) {
+    error = fail("ftruncate", path, errno);
+    return nullptr;
+  }
+  void* const place = ::mmap(nullptr, SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
+  if (place == MAP_FAILED) {
+    error = fail("mmap", path, errno);
+    return nullptr;
+  }
+  return static_cast<std::uint32_t*>(place);
+}
+
+long futex(std::uint32_t* place, int operation, std::uint32_t value,
+           const struct timespec* until) noexcept {
+  return ::syscall(SYS_futex, place, operation, value, until, nullptr, FUTEX_BITSET_MATCH_ANY);
 }
 
 struct timespec momentIn(unsigned int milliseconds) {
@@ -33,47 +72,44 @@ struct timespec momentIn(unsigned int milliseconds) {
 }  // namespace
 
 int setNamedEvent(std::string_view name) {
-  const std::string path = semaphoreName(name);
-  sem_t* semaphore = ::sem_open(path.c_str(), 0);
-  if (semaphore == SEM_FAILED) {
-    return fail("sem_open", path, errno);
+  int error = 0;
+  std::uint32_t* const signals = mapCounter(name, false, error);
+  if (signals == nullptr) {
+    return error;
   }
-  int pending = 0;
-  ::sem_getvalue(semaphore, &pending);
-  const int result = pending > 0 ? 0 : ::sem_post(semaphore);
-  const int error = result < 0 ? fail("sem_post", path, errno) : 0;
-  ::sem_close(semaphore);
-  return error;
+  Counter(*signals).fetch_add(1);
+  futex(signals, FUTEX_WAKE_BITSET, INT32_MAX, nullptr);
+  ::munmap(signals, SIZE);
+  return 0;
 }
 
 NamedEvent::~NamedEvent() {
-  if (m_handle != nullptr) {
-    ::sem_close(static_cast<sem_t*>(m_handle));
+  if (m_signals != nullptr) {
+    ::munmap(m_signals, SIZE);
   }
 }
 
 int NamedEvent::create(std::string_view name) {
-  if (m_handle != nullptr) {
-    return fail("sem_open", name, EEXIST);
+  if (m_signals != nullptr) {
+    return fail("event", name, EEXIST);
   }
-  const std::string path = semaphoreName(name);
-  sem_t* semaphore = ::sem_open(path.c_str(), O_CREAT, 0600, 0U);
-  if (semaphore == SEM_FAILED) {
-    return fail("sem_open", path, errno);
-  }
-  m_handle = semaphore;
-  return 0;
+  int error = 0;
+  m_signals = mapCounter(name, true, error);
+  m_seen = m_signals != nullptr ? Counter(*m_signals).load() : 0;
+  return error;
 }
 
 bool NamedEvent::wait(unsigned int milliseconds) {
-  auto* semaphore = static_cast<sem_t*>(m_handle);
-  const struct timespec until = momentIn(milliseconds);
-  if (semaphore == nullptr || ::sem_clockwait(semaphore, CLOCK_MONOTONIC, &until) < 0) {
+  if (m_signals == nullptr) {
     return false;
   }
-  // Two setters at the same moment may both have found nothing pending.
-  while (::sem_trywait(semaphore) == 0) {
+  const struct timespec until = momentIn(milliseconds);
+  while (Counter(*m_signals).load() == m_seen) {
+    if (futex(m_signals, FUTEX_WAIT_BITSET, m_seen, &until) < 0 && errno != EAGAIN) {
+      return false;
+    }
   }
+  m_seen = Counter(*m_signals).load();
   return true;
 }
 

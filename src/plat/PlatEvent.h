@@ -1,7 +1,9 @@
-// Named events between processes (at most one pending signal), for the retry-now event. An event
-// outlives the process that made it, until the system is started again.
+// Named events between processes, for the retry-now event. A signal is for everyone: each process
+// that has created the event by then gets it once, however many wait, and whoever was not waiting
+// gets it with its next wait. Several signals since the last wait count as one.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 namespace plat {
@@ -9,7 +11,7 @@ namespace plat {
 // Sets the event of this name when it exists; ENOENT when nobody has made it.
 int setNamedEvent(std::string_view name);
 
-// Creates the event (or opens it) for waiting.
+// Creates the event (or opens it) for waiting. It is a file in the run directory (PlatRunDir.h).
 class NamedEvent {
  public:
   NamedEvent() noexcept = default;
@@ -23,7 +25,8 @@ class NamedEvent {
   bool wait(unsigned int milliseconds);
 
  private:
-  void* m_handle = nullptr;
+  std::uint32_t* m_signals = nullptr;  // shared by all processes: how many there have been
+  std::uint32_t m_seen = 0;
 };
 
 }  // namespace plat

@@ -3,7 +3,6 @@
 
 #include <thread>
 
-#include <semaphore.h>
 #include <sys/stat.h>
 
 #include "plat/PlatCommand.h"
@@ -128,19 +127,41 @@ TEST_F(PlatMutex, DirectoryOfLastResortMustBeOursAlone) {
   std::filesystem::remove_all(directory);
 }
 
-struct PlatEvent : testing::Test {
-  ~PlatEvent() override { ::sem_unlink(("/krx-" + name).c_str()); }
-  const std::string name = "test-" + std::to_string(::getpid());
+struct PlatEvent : PlatMutex {
+  const std::string name = "maker/event";
 };
 
-TEST_F(PlatEvent, SetElsewhereEndsTheWaitOnce) {
+TEST_F(PlatEvent, SetElsewhereEndsTheWaitOfEachOnce) {
   EXPECT_EQ(plat::setNamedEvent(name), ENOENT) << "nobody has made it";
   plat::NamedEvent event;
+  plat::NamedEvent other;
   ASSERT_EQ(event.create(name), 0);
+  ASSERT_EQ(other.create(name), 0);
   scene::elsewhere([&] { EXPECT_EQ(plat::setNamedEvent(name), 0); });
   EXPECT_EQ(plat::setNamedEvent(name), 0);
   EXPECT_TRUE(event.wait(0));
   EXPECT_FALSE(event.wait(0)) << "at most one signal is pending";
+  EXPECT_TRUE(other.wait(0)) << "nobody takes it from another";
+  plat::NamedEvent late;
+  ASSERT_EQ(late.create(name), 0);
+  EXPECT_FALSE(late.wait(0));
+}
+
+TEST_F(PlatEvent, ASignalWakesAllThatWait) {
+  const auto waits = [&] {
+    plat::NamedEvent event;
+    scene::require(event.create(name) == 0);
+    std::ofstream(path() + "/" + std::to_string(::getpid()));
+    EXPECT_TRUE(event.wait(60'000));
+  };
+  scene::Work first(waits);
+  scene::Work second(waits);
+  while (!std::filesystem::exists(path() + "/" + std::to_string(first.id())) ||
+         !std::filesystem::exists(path() + "/" + std::to_string(second.id()))) {
+    ::usleep(1000);
+  }
+  EXPECT_EQ(plat::setNamedEvent(name), 0);
+  EXPECT_EQ(first.end() + second.end(), 0);
 }
 
 TEST_F(PlatEvent, WaitEndsWithItsTimeOrWithASignalOfTheProgram) {
