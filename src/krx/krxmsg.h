@@ -103,6 +103,7 @@ class KRX_Message : public GMA_Message, public GMA_FilePair {
   void copyHeadersToAttributes();
 
   // Outbound (krxout.cpp, krxoutmp.cpp).
+  void logNamelessHeaders(const Layout& layout) const;
   void writeHeader(DAC_BaseDataAccess& stream, const GMA_Mhdr& header, unsigned int& status);
   void writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout, unsigned int& status);
   void writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout, bool bare,

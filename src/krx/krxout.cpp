@@ -88,6 +88,24 @@ const char* addressFieldName(std::uint32_t type) {
   }
 }
 
+bool isMalformed(const GMA_Mhdr& header) {
+  return header.type() == gma::BAD_FORMAT && header.custom().isEmpty();
+}
+
+SCL_String fieldName(const GMA_Mhdr& header) {
+  return header.custom().isEmpty() ? rfc_header_name(header.type()) : header.custom();
+}
+
+// Whether two blocks were read as the same fields, whatever a clock wrote into them.
+bool areAlike(const GMA_MhdrTable& a, const GMA_MhdrTable& b) {
+  std::uint16_t i = 0;
+  while (i < a.count() && i < b.count() && a.get(i)->type() == b.get(i)->type() &&
+         a.get(i)->value().count() == b.get(i)->value().count()) {
+    ++i;
+  }
+  return i == a.count() && i == b.count();
+}
+
 }  // namespace
 
 void KRX_Message::writeMessage(DAC_BaseDataAccess& stream, unsigned int& status) {
@@ -110,22 +128,37 @@ void KRX_Message::writeMessage(DAC_BaseDataAccess& stream, unsigned int& status)
   writeLine(stream, ".", status);
 }
 
+void KRX_Message::logNamelessHeaders(const Layout& layout) const {
+  for (std::uint16_t i = 0; i < m_headers.count(); ++i) {
+    const GMA_Mhdr& header = *m_headers.get(i);
+    if (!isOutsideHeaderBlock(header.type()) && !layout.leavesOut(header.type()) &&
+        !isMalformed(header) && fieldName(header).isEmpty()) {
+      LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::VERBOSE,
+                                "Header of type %u has no field name, it is left out.",
+                                header.type());
+    }
+  }
+}
+
 // Malformed lines stand bare, unless the next reader would then take a part of the block for text,
-// or read the content by other fields.
+// read the content by other fields, or lose a field: bare lines join the one before them.
 void KRX_Message::writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout,
                                    unsigned int& status) {
+  logNamelessHeaders(layout);
   if (m_headers.findByType(gma::BAD_FORMAT) == nullptr) {
     writeHeaderBlock(stream, layout, true, status);
     return;
   }
   DAC_MemoryDataAccess bare;
+  DAC_MemoryDataAccess apart;
   writeHeaderBlock(bare, layout, true, status);
+  writeHeaderBlock(apart, layout, false, status);
   GMA_MhdrTable found;
-  if (KRX_isHeaderBlock(bare, found, status) && keepsStructure(found, layout)) {
-    bare.copyTo(&stream, 0, status);
-  } else {
-    writeHeaderBlock(stream, layout, false, status);
-  }
+  GMA_MhdrTable wanted;
+  const bool canStandBare = KRX_isHeaderBlock(bare, found, status) &&
+                            keepsStructure(found, layout) &&
+                            (!KRX_isHeaderBlock(apart, wanted, status) || areAlike(found, wanted));
+  (canStandBare ? bare : apart).copyTo(&stream, 0, status);
 }
 
 void KRX_Message::writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& layout, bool bare,
@@ -141,7 +174,7 @@ void KRX_Message::writeHeaderBlock(DAC_BaseDataAccess& stream, const Layout& lay
     if (layout.leavesOut(header.type())) {
       continue;
     }
-    if (header.type() == gma::BAD_FORMAT && header.custom().isEmpty()) {
+    if (isMalformed(header)) {
       const bool alone = bare || stream.getPosition() == start;
       KRX_writeBadHeader(stream, header.value(), alone, status);
     } else {
@@ -171,18 +204,13 @@ void KRX_Message::writeMissingFields(DAC_BaseDataAccess& stream, const PresentFi
   }
 }
 
+// Without a name its value would become part of the field before it.
 void KRX_Message::writeHeader(DAC_BaseDataAccess& stream, const GMA_Mhdr& header,
                               unsigned int& status) {
-  const SCL_String name =
-      header.custom().isEmpty() ? rfc_header_name(header.type()) : header.custom();
-  if (name.isEmpty()) {
-    // Without a name its value would become part of the field before it.
-    LOG_globalLog().writeText(KRX_LOG_ALL, KRX_FACILITY, LOG_Logging::VERBOSE,
-                              "Header of type %u has no field name, it is left out.",
-                              header.type());
-    return;
+  const SCL_String name = fieldName(header);
+  if (!name.isEmpty()) {
+    KRX_writeField(stream, name, header.value(), status);
   }
-  KRX_writeField(stream, name, header.value(), status);
 }
 
 // The addresses of one kind as one field, each further one on a line of its own. Sent addresses

@@ -101,7 +101,8 @@ TEST_F(Outbound, HeadersThatWouldHurtTheirNeighboursAreMadeSafe) {
   address.setOriginal("x@y\r\nBcc: v@x");
   m_message->addAddress(address);
   EXPECT_EQ(written(),
-            "Subject: a  Bcc: v@x\nTo: one\n two\n three\nno field\n..\nCc: x@y  Bcc: v@x\n\n.\n");
+            "Subject: a  Bcc: v@x\nTo: one\n two\n three\nBad-Header:no field\n..\nCc: x@y  Bcc: "
+            "v@x\n\n.\n");
   EXPECT_EQ(takeLogText(), "11:3 Header of type 15 has no field name, it is left out.\n");
 }
 
