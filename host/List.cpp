@@ -5,7 +5,6 @@
 
 #include "host/Exit.h"
 #include "host/Json.h"
-#include "host/PostOffices.h"
 #include "host/Quarantine.h"
 #include "host/Receiver.h"
 #include "host/Waiting.h"
@@ -127,75 +126,63 @@ Json jsonKept(const Quarantine& quarantine) {
   return rows;
 }
 
-struct Directories {
-  std::string source;
-  std::string destination;
-};
-
-Directories directoriesOf(PFA_Profile& profile, const std::string& office) {
-  return {sectionValue(profile, office, "SourceDir"), sectionValue(profile, office, "DestDir")};
+std::string receiverOf(const PostOffice& office) {
+  return withSeparator(office.sourceDirectory) + RECEIVER_DIRECTORY;
 }
 
-void printOffice(const std::string& name, const Directories& directories, const Config& config,
-                 const ListOptions& options) {
+void printOffice(const PostOffice& office, const ListOptions& options) {
   const auto print = options.incomplete ? printLone : printPairs;
-  std::printf("%s source %s\n", name.c_str(), directories.source.c_str());
-  print(directories.source);
-  if (options.incomplete) {
-    const std::string receiver = withSeparator(directories.source) + RECEIVER_DIRECTORY;
-    std::printf("%s receiver %s\n", name.c_str(), receiver.c_str());
-    print(receiver);
-  } else {
-    printKept(Quarantine(directories.source, config));
+  const char* name = office.name.c_str();
+  std::printf("%s source %s\n", name, office.sourceDirectory.c_str());
+  print(office.sourceDirectory);
+  if (!options.incomplete) {
+    printKept(*office.quarantine);
+  } else if (hasReceiver(withSeparator(office.sourceDirectory))) {
+    std::printf("%s receiver %s\n", name, receiverOf(office).c_str());
+    print(receiverOf(office));
   }
-  std::printf("%s destination %s\n", name.c_str(), directories.destination.c_str());
-  print(directories.destination);
+  std::printf("%s destination %s\n", name, office.destinationDirectory.c_str());
+  print(office.destinationDirectory);
 }
 
-Json jsonOffice(const std::string& name, const Directories& directories, const Config& config,
-                const ListOptions& options) {
+Json jsonOffice(const PostOffice& office, const ListOptions& options) {
   const auto rowsOf = options.incomplete ? jsonLone : jsonPairs;
   Json row;
-  row["postOffice"] = jsonText(name);
-  row["sourceDir"] = jsonText(directories.source);
-  row["destDir"] = jsonText(directories.destination);
-  row["source"] = rowsOf(directories.source);
-  row["destination"] = rowsOf(directories.destination);
-  row["kept"] = options.incomplete
-                    ? jsonLone(withSeparator(directories.source) + RECEIVER_DIRECTORY)
-                    : jsonKept(Quarantine(directories.source, config));
+  row["postOffice"] = jsonText(office.name);
+  row["sourceDir"] = jsonText(office.sourceDirectory);
+  row["destDir"] = jsonText(office.destinationDirectory);
+  row["source"] = rowsOf(office.sourceDirectory);
+  row["destination"] = rowsOf(office.destinationDirectory);
+  if (!options.incomplete) {
+    row["kept"] = jsonKept(*office.quarantine);
+  } else {
+    row["kept"] = hasReceiver(withSeparator(office.sourceDirectory)) ? jsonLone(receiverOf(office))
+                                                                     : Json::array();
+  }
   return row;
 }
 
 }  // namespace
 
-int retry(PFA_Profile& profile, const Config& config, const std::string& office,
-          const std::string& base) {
-  for (const std::string& name : config.postOffices) {
-    if (name == office) {
-      Quarantine quarantine(directoriesOf(profile, name).source, config);
-      if (!quarantine.putBack(base)) {
-        throw Error(unavailable,
-                    base +
-                        " cannot be put back: it is not kept, its name is taken in the "
-                        "source directory, or that directory is locked.");
-      }
-      return Exit::done;
-    }
+int retry(PostOffice& office, const std::string& name) {
+  if (!office.quarantine->putBack(name)) {
+    throw Error(unavailable,
+                name +
+                    " cannot be put back: it is not kept, its name is taken in the source "
+                    "directory, that directory is locked, or its reason file cannot be written.");
   }
-  throw Error(configuration, "There is no post office \"" + office + "\".");
+  return Exit::done;
 }
 
-int list(PFA_Profile& profile, const Config& config, const ListOptions& options) {
+int list(PostOffices& postOffices, const ListOptions& options) {
   static char buffer[65536];
   std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
   Json offices = Json::array();
-  for (const std::string& name : config.postOffices) {
-    const Directories directories = directoriesOf(profile, name);
+  for (const PostOffice& office : postOffices.all()) {
     if (options.json) {
-      offices.push_back(jsonOffice(name, directories, config, options));
+      offices.push_back(jsonOffice(office, options));
     } else {
-      printOffice(name, directories, config, options);
+      printOffice(office, options);
     }
   }
   if (options.json) {

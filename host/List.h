@@ -3,9 +3,7 @@
 
 #include <string>
 
-#include "host/Config.h"
-
-class PFA_Profile;
+#include "host/PostOffices.h"
 
 namespace host {
 
@@ -15,10 +13,9 @@ struct ListOptions {
 };
 
 // Prints to standard output; the exit status.
-int list(PFA_Profile& profile, const Config& config, const ListOptions& options);
+int list(PostOffices& postOffices, const ListOptions& options);
 
 // Puts one kept pair back into the source directory by hand; the exit status.
-int retry(PFA_Profile& profile, const Config& config, const std::string& office,
-          const std::string& base);
+int retry(PostOffice& office, const std::string& name);
 
 }  // namespace host

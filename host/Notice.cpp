@@ -7,16 +7,46 @@
 #include "dac/DACFILDA.h"
 #include "gen/GENCATCH.h"
 #include "host/Exit.h"
-#include "rfc/RFCB64Da.h"
-#include "rfc/RFCQprDa.h"
+#include "rfc/rfcread.h"
+#include "rfc/rfcvalue.h"
 
 namespace host {
 namespace {
 
-// Whether text can be put before and behind this content as it stands.
-bool isPlain(DAC_BaseDataAccess* body) {
-  return body != nullptr && dynamic_cast<RFCB64Da*>(body) == nullptr &&
-         dynamic_cast<RFCQprDa*>(body) == nullptr;
+constexpr char ENCODING[] = "Content-Transfer-Encoding";
+
+// A transfer encoding under which the content stands as it is, RFC 2045 section 6.1. A value that
+// is no single word, or that nobody knows, may mean anything.
+bool isIdentity(const SCL_StringRef& value) {
+  SCL_String word;
+  if (rfc_parse_word(value, word) != 0) {
+    return false;
+  }
+  return SCL_equalNoCase(word, "7bit") || SCL_equalNoCase(word, "8bit") ||
+         SCL_equalNoCase(word, "binary");
+}
+
+// Whether text can be put before and behind the body as it stands. Of a part of a multipart the
+// encoding is told by its own header, of a single part by the message's.
+bool isPlain(GMA_Message& message) {
+  DAC_BaseDataAccess* body = message.getBody();
+  if (body == nullptr) {
+    return false;
+  }
+  unsigned int status = 0;
+  SCL_String own;
+  body->getStringAttribute(ENCODING, own, status);
+  if (status == 0 && !isIdentity(own)) {
+    return false;
+  }
+  const GMA_MhdrTable& headers = message.headers();
+  for (std::uint16_t i = 0; i < headers.count(); ++i) {
+    if (headers.get(i)->type() == gma::CONTENT_TRANSFER_ENCODING &&
+        !isIdentity(rfc_unfold(headers.get(i)->value()))) {
+      return false;
+    }
+  }
+  return true;
 }
 
 std::unique_ptr<DAC_FileDataAccess> openTemplate(const std::string& path, unsigned int& status) {
@@ -39,7 +69,8 @@ void addAsBody(GMA_Message& message, DAC_BaseDataAccess& text, unsigned int& sta
   }
 }
 
-void addNotice(GMA_Message& message, const std::string& path, bool before, unsigned int& status) {
+void addNotice(GMA_Message& message, const std::string& path, bool before, bool& plain,
+               unsigned int& status) {
   if (path.empty() || status != 0) {
     return;
   }
@@ -47,8 +78,9 @@ void addNotice(GMA_Message& message, const std::string& path, bool before, unsig
   if (status != 0) {
     return;
   }
-  if (!isPlain(message.getBody())) {
+  if (!plain) {
     addAsBody(message, *text, status);
+    plain = true;  // the body is the notice now
   } else if (before) {
     message.prependText(text.get(), status);
   } else {
@@ -59,8 +91,9 @@ void addNotice(GMA_Message& message, const std::string& path, bool before, unsig
 }  // namespace
 
 void addNotices(GMA_Message& message, const NoticeFiles& files, unsigned int& status) {
-  addNotice(message, files.prepend, true, status);
-  addNotice(message, files.append, false, status);
+  bool plain = isPlain(message);
+  addNotice(message, files.prepend, true, plain, status);
+  addNotice(message, files.append, false, plain, status);
 }
 
 int notify(const PairOptions& options, const NoticeFiles& files) {

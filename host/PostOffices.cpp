@@ -1,22 +1,19 @@
 // Creates the configured post offices and holds their source directories.
 #include "host/PostOffices.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <optional>
 #include <tuple>
 
 #include "gen/GENCATCH.h"
 #include "host/Exit.h"
+#include "host/Log.h"
 #include "pfa/PFAPROF.h"
 #include "plat/PlatError.h"
 #include "plat/PlatSpool.h"
-#include "plat/PlatTerminal.h"
 
 namespace host {
 namespace {
-
-constexpr char CONSUMER_LOCK[] = ".krxhost";
 
 using DirectoryId = std::tuple<std::uint64_t, std::uint64_t>;
 
@@ -26,16 +23,6 @@ std::optional<DirectoryId> identity(const std::string& directory) {
     return std::nullopt;
   }
   return DirectoryId(found.device, found.inode);
-}
-
-std::string holderOf(plat::File& file) {
-  char text[64];
-  std::size_t length = 0;
-  if (file.readAt(0, text, sizeof text, length) != 0 || length == 0) {
-    return "another process";
-  }
-  const std::string_view number(text, length);
-  return "process " + std::string(SCL_trimmed(number));
 }
 
 void warnOfStrangers(const PostOffice& office, const char* role, const std::string& directory) {
@@ -64,15 +51,7 @@ void tellLeases(const PostOffice& office) {
           : ("locks and age, for leases do not work there, " + plat::errorText(error)).c_str());
 }
 
-}  // namespace
-
-std::string withSeparator(std::string directory) {
-  if (directory.empty() || (directory.back() != '\\' && directory.back() != '/')) {
-    directory += '\\';
-  }
-  return directory;
-}
-
+// The value of an entry of the section, whatever the letter case of its name; empty when missing.
 std::string sectionValue(PFA_Profile& profile, const std::string& section, const char* entry) {
   if (profile.selectSection(section.c_str()) != 0) {
     return {};
@@ -87,6 +66,15 @@ std::string sectionValue(PFA_Profile& profile, const std::string& section, const
     }
   }
   return {};
+}
+
+}  // namespace
+
+std::string withSeparator(std::string directory) {
+  if (directory.empty() || (directory.back() != '\\' && directory.back() != '/')) {
+    directory += '\\';
+  }
+  return directory;
 }
 
 PostOffices::PostOffices(const Module& module, PFA_Profile& profile, const Config& config,
@@ -186,30 +174,38 @@ void PostOffices::printDirectories() const {
 
 void PostOffices::lockSources() {
   for (PostOffice& office : m_postOffices) {
-    const std::string path = withSeparator(office.sourceDirectory) + CONSUMER_LOCK;
-    plat::OpenMode mode;
-    mode.read = true;
-    mode.write = true;
-    mode.create = true;
-    mode.noFollow = true;
-    mode.permissions = 0600;
-    int error = office.consumerLock.open(path, mode);
-    if (error == ENOENT) {
-      continue;  // the directory is not there yet; the post office tells about it
-    }
-    if (error == 0) {
-      error = plat::lockFile(office.consumerLock);
-    }
-    if (error == EWOULDBLOCK) {
-      throw Error(unavailable, "The source directory of post office \"" + office.name +
-                                   "\" is in use by " + holderOf(office.consumerLock) + ".");
-    }
-    const std::string number = std::to_string(plat::processNumber()) + "\n";
-    if (error != 0 || office.consumerLock.setSize(0) != 0 ||
-        office.consumerLock.writeAt(0, number.data(), number.size()) != 0) {
-      throw Error(inputOutput, path + ": " + plat::errorText(plat::lastFailure().error));
-    }
+    office.lock.hold(office.sourceDirectory, office.name);
   }
+}
+
+bool PostOffices::holdSource(PostOffice& office, LOG_Logging& log) {
+  std::string why = "it is not there";
+  try {
+    switch (office.lock.hold(office.sourceDirectory, office.name)) {
+      case SourceLock::State::held:
+        return true;
+      case SourceLock::State::taken:
+        office.isMissed = false;
+        log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
+                      "The source directory of post office \"%s\" is locked now.",
+                      office.name.c_str());
+        return true;
+      case SourceLock::State::missing:
+        break;
+    }
+  } catch (const Error& error) {
+    if (error.status() == unavailable) {
+      throw;
+    }
+    why = error.what();
+  }
+  if (!office.isMissed) {
+    office.isMissed = true;
+    log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
+                  "Nothing is fetched from the source directory of post office \"%s\": %s.",
+                  office.name.c_str(), why.c_str());
+  }
+  return false;
 }
 
 }  // namespace host

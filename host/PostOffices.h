@@ -8,7 +8,7 @@
 #include "host/Config.h"
 #include "host/Module.h"
 #include "host/Quarantine.h"
-#include "plat/PlatFile.h"
+#include "host/SourceLock.h"
 
 class PFA_Profile;
 
@@ -19,7 +19,8 @@ struct PostOffice {
   std::string sourceDirectory;       // as configured
   std::string destinationDirectory;  // as configured
   std::unique_ptr<GMA_PostOffice> object;
-  plat::File consumerLock;
+  SourceLock lock;
+  bool isMissed = false;  // it was told that the source directory cannot be had
   std::unique_ptr<Quarantine> quarantine;
 };
 
@@ -33,8 +34,12 @@ class PostOffices {
   // Writes a line to standard output for what an operator should know of the directories: those
   // that everybody may write into, and how files in use are told in the source directories.
   void printDirectories() const;
-  // Holds each source directory for this process; Error(unavailable) that names the other holder.
+  // Holds each source directory that is there for this process; Error(unavailable) that names the
+  // other holder, Error(inputOutput).
   void lockSources();
+  // Before each pass: whether the source directory is held, as one must be that is fetched from.
+  // One that cannot be had just now is told once; Error(unavailable) as above.
+  bool holdSource(PostOffice& office, LOG_Logging& log);
 
   PostOffice& find(const std::string& name);
   PostOffice& target(const PostOffice& from) { return find(m_config.target(from.name)); }
@@ -46,9 +51,6 @@ class PostOffices {
   GMA_POGroup m_group;
   std::vector<PostOffice> m_postOffices;
 };
-
-// The value of an entry of the section, whatever the letter case of its name; empty when missing.
-std::string sectionValue(PFA_Profile& profile, const std::string& section, const char* entry);
 
 // `directory` with a separator at its end.
 std::string withSeparator(std::string directory);

@@ -1,14 +1,22 @@
 // Keeps pairs and puts them back.
 #include "host/Quarantine.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <sstream>
 
 #include "dv/DVPATH.h"
 #include "fl/FLSEARCH.h"
+#include "gen/GENCODES.h"
+#include "gma/GMAMSG.h"
+#include "gma/GMAPAIR.h"
+#include "host/Log.h"
 #include "host/PostOffices.h"
 #include "host/Receiver.h"
+#include "log/LOGGLB.h"
 #include "plat/PlatClock.h"
+#include "plat/PlatError.h"
 #include "plat/PlatFile.h"
 #include "plat/PlatLock.h"
 
@@ -20,6 +28,41 @@ constexpr int LOCK_TIMEOUT = 100;
 
 std::string baseOf(const std::string& name) {
   return name.substr(0, name.rfind('.'));
+}
+
+// A name of the receiver directory as the source directory has it.
+std::string sourceName(const KeptPair& pair, const std::string& name) {
+  return pair.base + name.substr(name.rfind('.'));
+}
+
+// A reason file is text that anybody may have put there; what it calls a name need not be one.
+bool isBaseName(std::string_view name) {
+  return !name.empty() && name.front() != '.' && name.size() <= dv::PATH_LENGTH &&
+         std::none_of(name.begin(), name.end(), [](char c) {
+           return static_cast<unsigned char>(c) < 0x20 ||
+                  std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos;
+         });
+}
+
+// Calls `visit` with each name in the directory that matches. One that is too long for a path is
+// passed over: it is no name that a pair is kept under.
+template <class Visitor>
+void forEachName(const std::string& directory, const std::string& pattern, Visitor visit) {
+  FL_Search search;
+  search.startSearch((directory + pattern).c_str(), 0);
+  char path[dv::PATH_SIZE];
+  unsigned int status = 0;
+  while (status == 0 || status == FL_SHORT_BUFFER) {
+    status = search.nextMatch(sizeof path, path);
+    if (status == 0) {
+      const std::string name(path);
+      visit(name.substr(name.find_last_of("\\/") + 1));
+    }
+  }
+}
+
+std::uint32_t oneMore(std::uint32_t tries) {
+  return tries == std::numeric_limits<std::uint32_t>::max() ? tries : tries + 1;
 }
 
 bool isThere(const std::string& path) {
@@ -85,6 +128,10 @@ std::string readReasonFile(const std::string& path) {
   return text;
 }
 
+std::string restOf(const std::string& line, const std::string& label) {
+  return line.substr(std::min(label.size() + 1, line.size()));
+}
+
 Reason readReason(const std::string& path) {
   Reason reason;
   std::istringstream file(readReasonFile(path));
@@ -102,7 +149,9 @@ Reason readReason(const std::string& path) {
     } else if (name == "File:") {
       fields >> reason.device >> reason.inode;
     } else if (name == "Reason:") {
-      reason.text = line.substr(name.size() + 1 < line.size() ? name.size() + 1 : line.size());
+      reason.text = restOf(line, name);
+    } else if (name == "Name:") {
+      reason.name = restOf(line, name);
     }
   }
   return reason;
@@ -115,6 +164,9 @@ bool writeReason(const std::string& path, const Reason& reason) {
        << "\nTime: " << reason.time << " (" << localTime(reason.time)
        << ")\nTries: " << reason.tries << "\nFile: " << reason.device << " " << reason.inode
        << "\n";
+  if (!reason.name.empty()) {
+    text << "Name: " << reason.name << "\n";
+  }
   const std::string content = text.str();
   const std::string temporary = path + "~";
   plat::OpenMode mode;
@@ -126,6 +178,12 @@ bool writeReason(const std::string& path, const Reason& reason) {
   plat::File file;
   return file.open(temporary, mode) == 0 && file.writeAt(0, content.data(), content.size()) == 0 &&
          file.commit() == 0 && file.close() == 0 && plat::rename(temporary, path) == 0;
+}
+
+void tellUnwritten(const std::string& path, const char* effect) {
+  LOG_globalLog().writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
+                            "%s cannot be written, %s: %s.", path.c_str(),
+                            plat::errorText(plat::lastFailure().error).c_str(), effect);
 }
 
 }  // namespace
@@ -145,53 +203,74 @@ std::string Quarantine::reasonFile(const std::string& base) const {
 
 bool Quarantine::keep(GMA_Message& message, unsigned int status, const std::string& why,
                       std::string& failure) {
-  std::string envelope;
-  if (!keepCopy(message, m_source, envelope, failure)) {
+  const std::optional<KeptCopy> copy = keepCopy(message, m_source, failure);
+  if (!copy) {
     return false;
   }
-  const std::string path = reasonFile(baseOf(envelope));
-  Reason reason = readReason(path);
+  const std::string kept = baseOf(copy->envelope);
+  const std::string base =
+      baseOf(dynamic_cast<const GMA_FilePair&>(message).fetchedEnvelope().c_str());
+  Reason reason = readReason(reasonFile(kept));
   reason.status = status;
   reason.text = why;
   reason.time = plat::now().seconds;
-  ++reason.tries;
-  if (const std::optional<KeptPair> kept = examine(envelope)) {
+  reason.name = copy->shortened ? base : std::string();
+  // The try of a pair that was put back is counted already.
+  const bool isCounted = closeReason(copy->shortened ? base : kept, kept) && reason.tries != 0;
+  reason.tries = isCounted ? reason.tries : oneMore(reason.tries);
+  if (const std::optional<KeptPair> pair = examine(copy->envelope)) {
     plat::FileStatus file;
-    if (plat::status(receiver() + kept->message, file, false) == 0) {
+    if (plat::status(receiver() + pair->message, file, false) == 0) {
       reason.device = file.device;
       reason.inode = file.inode;
     }
   }
-  writeReason(path, reason);  // without it the pair is kept all the same, and only by hand put back
-  m_open.erase(baseOf(envelope));
+  // Without it the pair is kept all the same, and only by hand put back.
+  if (!writeReason(reasonFile(kept), reason)) {
+    tellUnwritten(reasonFile(kept), "tells nothing of this failure");
+  }
   return true;
 }
 
 void Quarantine::delivered(const std::string& envelope) {
-  const std::string base = baseOf(envelope);
-  if (m_open.erase(base) != 0) {
-    plat::remove(reasonFile(base));
+  const auto [first, last] = m_open.equal_range(baseOf(envelope));
+  if (first == last || !hasReceiver(m_source)) {
+    return;
   }
+  for (auto reason = first; reason != last; ++reason) {
+    plat::remove(reasonFile(reason->second));
+  }
+  m_open.erase(first, last);
+}
+
+// Whether the reason was open.
+bool Quarantine::closeReason(const std::string& base, const std::string& kept) {
+  const auto [first, last] = m_open.equal_range(base);
+  const auto found = std::find(first, last, OpenReasons::value_type(base, kept));
+  if (found == last) {
+    return false;
+  }
+  m_open.erase(found);
+  return true;
 }
 
 std::optional<KeptPair> Quarantine::examine(const std::string& envelope) const {
   KeptPair pair;
   pair.envelope = envelope;
   pair.reason = readReason(reasonFile(baseOf(envelope)));
+  pair.base = isBaseName(pair.reason.name) ? pair.reason.name : baseOf(envelope);
   const bool lower = SCL_isLower(envelope.back());
   for (const char* extension : {lower ? ".msg" : ".MSG", lower ? ".MSG" : ".msg"}) {
     pair.message = baseOf(envelope) + extension;
-    for (const std::string& directory : {receiver(), m_source}) {
-      plat::FileStatus file;
-      if (plat::status(directory + pair.message, file, false) != 0 ||
-          file.kind != plat::Kind::regular) {
-        continue;
-      }
-      // In the source directory only a file that an interrupted move left there is ours.
-      if (directory != m_source ||
-          (file.inode == pair.reason.inode && file.device == pair.reason.device)) {
-        return pair;
-      }
+    plat::FileStatus file;
+    const auto isFile = [&](const std::string& path) {
+      return plat::status(path, file, false) == 0 && file.kind == plat::Kind::regular;
+    };
+    // In the source directory only a file that an interrupted move left there is ours.
+    if (isFile(receiver() + pair.message) ||
+        (isFile(m_source + sourceName(pair, pair.message)) && file.inode == pair.reason.inode &&
+         file.device == pair.reason.device)) {
+      return pair;
     }
   }
   return std::nullopt;
@@ -199,82 +278,113 @@ std::optional<KeptPair> Quarantine::examine(const std::string& envelope) const {
 
 std::vector<KeptPair> Quarantine::list() const {
   std::vector<KeptPair> pairs;
-  FL_Search search;
-  search.startSearch((receiver() + "*.RCP").c_str(), 0);
-  char path[dv::PATH_SIZE];
-  while (search.nextMatch(sizeof path, path) == 0) {
-    const std::string name(path);
-    if (std::optional<KeptPair> pair = examine(name.substr(name.find_last_of("\\/") + 1))) {
-      pairs.push_back(std::move(*pair));
-    }
+  if (hasReceiver(m_source)) {
+    forEachName(receiver(), "*.RCP", [&](const std::string& name) {
+      if (std::optional<KeptPair> pair = examine(name)) {
+        pairs.push_back(std::move(*pair));
+      }
+    });
   }
   return pairs;
 }
 
 // A reason without its pair: the pair was put back, here or by another process.
 void Quarantine::findOpenReasons() {
-  FL_Search search;
-  search.startSearch((receiver() + "*" + REASON_EXTENSION).c_str(), 0);
-  char path[dv::PATH_SIZE];
-  while (search.nextMatch(sizeof path, path) == 0) {
-    const std::string name(path);
-    const std::string base = baseOf(name.substr(name.find_last_of("\\/") + 1));
-    if (!isThere(receiver() + base + ".RCP") && !isThere(receiver() + base + ".rcp")) {
-      m_open.insert(base);
-    }
+  m_open.clear();
+  if (!hasReceiver(m_source)) {
+    return;
   }
+  forEachName(receiver(), std::string("*") + REASON_EXTENSION, [&](const std::string& name) {
+    const std::string kept = baseOf(name);
+    if (!isThere(receiver() + kept + ".RCP") && !isThere(receiver() + kept + ".rcp")) {
+      const Reason reason = readReason(reasonFile(kept));
+      m_open.emplace(isBaseName(reason.name) ? reason.name : kept, kept);
+    }
+  });
+}
+
+// A time that cannot be, because somebody wrote it or the clock was set, makes nobody wait.
+bool Quarantine::isDue(const Reason& reason) const {
+  const std::int64_t now = plat::now().seconds;
+  const bool pauses = reason.time >= 0 && reason.time <= now && now - reason.time < m_pause;
+  return reason.tries > 0 && reason.tries <= m_retries && !pauses;
 }
 
 unsigned int Quarantine::putBackDue() {
-  const std::int64_t now = plat::now().seconds;
   unsigned int count = 0;
   findOpenReasons();
   for (const KeptPair& pair : list()) {
-    const bool due = pair.reason.tries > 0 && pair.reason.tries <= m_retries &&
-                     pair.reason.time + m_pause <= now;
-    if (due && move(pair)) {
+    if (isDue(pair.reason) && move(pair)) {
       ++count;
     }
   }
   return count;
 }
 
-bool Quarantine::putBack(const std::string& base) {
+bool Quarantine::putBack(const std::string& name) {
   for (const KeptPair& pair : list()) {
-    if (pair.envelope == base || baseOf(pair.envelope) == base) {
+    if (pair.envelope == name || baseOf(pair.envelope) == name) {
       return move(pair);
     }
   }
   return false;
 }
 
-// The message file first, the envelope last, and never over another pair of the name.
+// Never over another pair of the name.
 bool Quarantine::move(const KeptPair& pair) {
   const TriedLock lock(m_source);
-  if (!lock.isHeld() || !moveMessage(pair)) {
+  if (!lock.isHeld() || !isNameFree(pair) || !countTry(pair)) {
     return false;
   }
-  if (plat::renameNoReplace(receiver() + pair.envelope, m_source + pair.envelope) != 0) {
-    plat::renameNoReplace(m_source + pair.message, receiver() + pair.message);
+  if (!moveFiles(pair)) {
+    writeReason(reasonFile(baseOf(pair.envelope)), pair.reason);
     return false;
   }
   plat::commitDirectory(m_source);
   plat::commitDirectory(receiver());
-  m_open.insert(baseOf(pair.envelope));
+  m_open.emplace(pair.base, baseOf(pair.envelope));
   return true;
 }
 
-bool Quarantine::moveMessage(const KeptPair& pair) {
-  plat::FileStatus other;
-  if (plat::status(m_source + pair.envelope, other, false) != 0 ||
-      other.kind != plat::Kind::missing) {
+bool Quarantine::isNameFree(const KeptPair& pair) const {
+  plat::FileStatus kept;
+  if (isThere(m_source + sourceName(pair, pair.envelope)) ||
+      plat::status(receiver() + pair.message, kept, false) != 0) {
     return false;
   }
-  if (plat::status(receiver() + pair.message, other, false) != 0) {
+  return kept.kind == plat::Kind::missing ||  // an earlier move left it in the source directory
+         !isThere(m_source + sourceName(pair, pair.message));
+}
+
+// Before the try, so that it counts however it ends.
+bool Quarantine::countTry(const KeptPair& pair) {
+  Reason counted = pair.reason;
+  counted.tries = oneMore(counted.tries);
+  const std::string base = baseOf(pair.envelope);
+  const bool isWritten = writeReason(reasonFile(base), counted);
+  if (isWritten) {
+    m_uncounted.erase(base);
+  } else if (m_uncounted.insert(base).second) {
+    tellUnwritten(reasonFile(base), "its pair is not put back");
+  }
+  return isWritten;
+}
+
+// The message file first, the envelope last.
+bool Quarantine::moveFiles(const KeptPair& pair) {
+  const std::string message = m_source + sourceName(pair, pair.message);
+  plat::FileStatus kept;
+  if (plat::status(receiver() + pair.message, kept, false) != 0 ||
+      (kept.kind != plat::Kind::missing &&
+       plat::renameNoReplace(receiver() + pair.message, message) != 0)) {
     return false;
   }
-  return other.kind == plat::Kind::missing ||  // an earlier move left it in the source directory
-         plat::renameNoReplace(receiver() + pair.message, m_source + pair.message) == 0;
+  if (plat::renameNoReplace(receiver() + pair.envelope,
+                            m_source + sourceName(pair, pair.envelope)) != 0) {
+    plat::renameNoReplace(message, receiver() + pair.message);
+    return false;
+  }
+  return true;
 }
 
 }  // namespace host

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -20,14 +21,16 @@ struct Reason {
   unsigned int status = 0;
   std::string text;
   std::int64_t time = 0;     // of the last failure, seconds since 1970-01-01 UTC
-  std::uint32_t tries = 0;   // failures so far
+  std::uint32_t tries = 0;   // failures so far, and the try that was begun by putting it back
   std::uint64_t device = 0;  // the kept message file, so that a move that was interrupted
   std::uint64_t inode = 0;   // between its two files can be finished
+  std::string name;          // the pair's own base name where it is kept under a shortened one
 };
 
 struct KeptPair {
   std::string envelope;  // names in the receiver directory
   std::string message;
+  std::string base;  // of the names that the two had, and get again, in the source directory
   Reason reason;
 };
 
@@ -41,25 +44,35 @@ class Quarantine {
             std::string& failure);
   // Forgets the reason of a pair that went through after all.
   void delivered(const std::string& envelope);
-  // Puts back the pairs whose pause is over and that have tries left; the number of them.
+  // Puts back the pairs whose pause is over and that have tries left; the number of them. A pair
+  // whose try cannot be counted stays, else it would be tried for ever.
   unsigned int putBackDue();
-  // Puts back one pair by hand, whatever its tries; false when it is not there or its name is
-  // taken.
-  bool putBack(const std::string& base);
+  // Puts back one pair by hand, whatever its tries; false when it is not there, its name is taken
+  // or its try cannot be counted.
+  bool putBack(const std::string& name);
   std::vector<KeptPair> list() const;
 
  private:
+  // By the base names in the source directory: the base names of the reason files whose pairs are
+  // not kept just now.
+  using OpenReasons = std::multimap<std::string, std::string>;
+
   std::string receiver() const;
   std::string reasonFile(const std::string& base) const;
   void findOpenReasons();
+  bool closeReason(const std::string& base, const std::string& kept);
   std::optional<KeptPair> examine(const std::string& envelope) const;
+  bool isDue(const Reason& reason) const;
   bool move(const KeptPair& pair);
-  bool moveMessage(const KeptPair& pair);
+  bool isNameFree(const KeptPair& pair) const;
+  bool countTry(const KeptPair& pair);
+  bool moveFiles(const KeptPair& pair);
 
   std::string m_source;  // ends in a separator
   std::uint32_t m_retries;
   std::uint32_t m_pause;
-  std::set<std::string> m_open;  // base names of reason files whose pairs are not kept just now
+  OpenReasons m_open;
+  std::set<std::string> m_uncounted;  // base names of pairs that were told to be stuck
 };
 
 }  // namespace host

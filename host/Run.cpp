@@ -1,5 +1,5 @@
-// The host's main loop. A message is destroyed, which removes its pair, only after it is delivered
-// or a copy of its pair is safe.
+// The host's main loop. It ends with the first message that can be neither delivered nor kept: its
+// pair stays, and the same message would be fetched again.
 #include "host/Run.h"
 
 #include <algorithm>
@@ -32,12 +32,6 @@ std::string describe(unsigned int status) {
   return text;
 }
 
-// Never destroyed, on purpose.
-std::vector<std::unique_ptr<GMA_Message>>& stuckMessages() {
-  static auto* messages = new std::vector<std::unique_ptr<GMA_Message>>;
-  return *messages;
-}
-
 }  // namespace
 
 Runner::Runner(PostOffices& postOffices, const Config& config, LOG_Logging& log,
@@ -46,8 +40,7 @@ Runner::Runner(PostOffices& postOffices, const Config& config, LOG_Logging& log,
       m_config(config),
       m_log(log),
       m_notices(notices),
-      m_terminal(plat::standardErrorIsTerminal()),
-      m_stuck(stuckMessages()) {}
+      m_terminal(plat::standardErrorIsTerminal()) {}
 
 int Runner::run(bool once) {
   plat::catchEndRequests();
@@ -62,7 +55,7 @@ int Runner::run(bool once) {
   }
   do {
     drainAll();
-    if (once || !m_stuck.empty()) {
+    if (once || m_counts.failed != 0) {
       break;
     }
     pause();
@@ -81,7 +74,7 @@ int Runner::run(bool once) {
 
 void Runner::drainAll() {
   for (PostOffice& office : m_postOffices.all()) {
-    if (plat::endRequested() || !m_stuck.empty()) {
+    if (plat::endRequested() || m_counts.failed != 0) {
       return;
     }
     drain(office);
@@ -89,6 +82,9 @@ void Runner::drainAll() {
 }
 
 void Runner::drain(PostOffice& office) {
+  if (!m_postOffices.holdSource(office, m_log)) {
+    return;
+  }
   unsigned int status = 0;
   office.object->open(status);
   if (status != 0) {
@@ -101,30 +97,38 @@ void Runner::drain(PostOffice& office) {
                     "%u kept messages of post office \"%s\" are tried again.", count,
                     office.name.c_str());
   }
-  while (office.object->isOpen() && !plat::endRequested() && m_stuck.empty()) {
+  while (office.object->isOpen() && !plat::endRequested() && m_counts.failed == 0) {
     unsigned int loadStatus = 0;
     plat::clearFailure();
-    std::unique_ptr<GMA_Message> message(office.object->nextMessage(loadStatus));
+    FetchedMessage message(office.object->nextMessage(loadStatus));
     if (!message) {
       return;
     }
     ++m_counts.fetched;
-    handle(office, std::move(message), loadStatus);
+    handle(office, message, loadStatus);
     showProgress();
   }
 }
 
-void Runner::handle(PostOffice& office, std::unique_ptr<GMA_Message> message,
-                    unsigned int loadStatus) {
+void Runner::handle(PostOffice& office, FetchedMessage& message, unsigned int loadStatus) {
+  const auto failure = GENCatch([&] { deliverOrKeep(office, message, loadStatus); });
+  if (failure && !message.isSafe()) {
+    ++m_counts.failed;
+    GENSwallow([&] { tellOfPairThatStays(*message, *failure); });
+  }
+}
+
+void Runner::deliverOrKeep(PostOffice& office, FetchedMessage& message, unsigned int loadStatus) {
   std::string why;
   unsigned int status = loadStatus;
   if (loadStatus != 0) {
-    keep(office, std::move(message), status, "it cannot be loaded, " + describe(loadStatus));
+    keep(office, message, status, "it cannot be loaded, " + describe(loadStatus));
   } else if (deliver(office, *message, status, why)) {
+    message.setSafe();
     ++m_counts.delivered;
     office.quarantine->delivered(pairName(*message));
   } else {
-    keep(office, std::move(message), status, "it cannot be delivered, " + why);
+    keep(office, message, status, "it cannot be delivered, " + why);
   }
 }
 
@@ -150,21 +154,24 @@ bool Runner::deliver(PostOffice& office, GMA_Message& message, unsigned int& sta
   return !failure && status == 0;
 }
 
-void Runner::keep(PostOffice& office, std::unique_ptr<GMA_Message> message, unsigned int status,
+void Runner::keep(PostOffice& office, FetchedMessage& message, unsigned int status,
                   const std::string& why) {
-  const std::string name = pairName(*message);
   std::string failure;
-  if (office.quarantine->keep(*message, status, why, failure)) {
-    ++m_counts.kept;
-    m_log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
-                    "Message %s is kept in the receiver directory: %s.", name.c_str(), why.c_str());
+  if (!office.quarantine->keep(*message, status, why, failure)) {
+    tellOfPairThatStays(*message, why + "; no copy can be kept, " + failure);
+    ++m_counts.failed;
     return;
   }
-  ++m_counts.failed;
+  message.setSafe();
+  ++m_counts.kept;
   m_log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
-                  "Message %s stays where it is: %s; no copy can be kept, %s.", name.c_str(),
-                  why.c_str(), failure.c_str());
-  m_stuck.push_back(std::move(message));
+                  "Message %s is kept in the receiver directory: %s.", pairName(*message).c_str(),
+                  why.c_str());
+}
+
+void Runner::tellOfPairThatStays(const GMA_Message& message, const std::string& why) {
+  m_log.writeText(ALL_STREAMS, HOST_FACILITY, LOG_Logging::BRIEF,
+                  "Message %s stays where it is: %s.", pairName(message).c_str(), why.c_str());
 }
 
 void Runner::showProgress() const {

@@ -1,11 +1,9 @@
 // The main job: fetch, list, stamp, deliver, remove.
 #pragma once
 
-#include <memory>
 #include <string>
-#include <vector>
 
-#include "gma/GMAMSG.h"
+#include "host/Fetched.h"
 #include "host/Notice.h"
 #include "host/PostOffices.h"
 #include "plat/PlatEvent.h"
@@ -31,10 +29,12 @@ class Runner {
  private:
   void drainAll();
   void drain(PostOffice& office);
-  void handle(PostOffice& office, std::unique_ptr<GMA_Message> message, unsigned int loadStatus);
+  void handle(PostOffice& office, FetchedMessage& message, unsigned int loadStatus);
+  void deliverOrKeep(PostOffice& office, FetchedMessage& message, unsigned int loadStatus);
   bool deliver(PostOffice& office, GMA_Message& message, unsigned int& status, std::string& why);
-  void keep(PostOffice& office, std::unique_ptr<GMA_Message> message, unsigned int status,
+  void keep(PostOffice& office, FetchedMessage& message, unsigned int status,
             const std::string& why);
+  void tellOfPairThatStays(const GMA_Message& message, const std::string& why);
   void showProgress() const;
   void pause();
 
@@ -46,9 +46,6 @@ class Runner {
   bool m_terminal;
   plat::NamedEvent m_retryNow;
   bool m_canWait = false;  // the event could be made
-  // Messages whose pairs must stay: destroying one would remove its pair, so none of them ever is;
-  // they live until the process ends.
-  std::vector<std::unique_ptr<GMA_Message>>& m_stuck;
 };
 
 }  // namespace host

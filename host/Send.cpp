@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iostream>
-#include <iterator>
+#include <limits>
 #include <memory>
 
 #include "dac/DACMEMDA.h"
@@ -19,20 +19,53 @@
 namespace host {
 namespace {
 
+constexpr std::size_t BLOCK = 65536;
 constexpr std::size_t BYTES_PER_LINE = 57;  // 76 characters of Base64, RFC 2045 section 6.8
 
-std::string readAll(std::istream& stream) {
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+// Sizes and positions of content have 32 bits; how much of it memory may hold is settled where it
+// is written.
+constexpr std::int64_t LARGEST = std::numeric_limits<std::int32_t>::max();
+
+std::int64_t base64Size(std::int64_t bytes) {
+  const std::int64_t groups = (bytes + 2) / 3;
+  return groups * 4 + bytes / static_cast<std::int64_t>(BYTES_PER_LINE) * 2;
+}
+
+enum class Coding { none, base64 };
+
+[[noreturn]] void refuse(const std::string& what, const std::string& detail) {
+  throw Error(badMail, what + " is too large" + detail + ".");
+}
+
+// Before the content is read or anything else made of it.
+void checkSize(const std::string& what, std::int64_t bytes, Coding coding) {
+  const std::int64_t size = coding == Coding::base64 ? base64Size(bytes) : bytes;
+  if (bytes > LARGEST || size > LARGEST) {
+    refuse(what, ", a message holds at most " + std::to_string(LARGEST) + " bytes of it" +
+                     (coding == Coding::base64 ? " in Base64" : ""));
+  }
+}
+
+std::string readAll(const std::string& what, std::istream& stream, Coding coding) {
+  std::string content;
+  const auto block = std::make_unique<char[]>(BLOCK);
+  while (stream) {
+    stream.read(block.get(), BLOCK);
+    content.append(block.get(), static_cast<std::size_t>(stream.gcount()));
+    checkSize(what, static_cast<std::int64_t>(content.size()), coding);
+  }
+  return content;
 }
 
 // 0 or an errno value.
-int readRegular(const std::string& path, std::string& content) {
+int readRegular(const std::string& path, Coding coding, std::string& content) {
   plat::OpenMode mode;
   mode.read = true;
   plat::File file;
   if (const int error = file.open(path, mode); error != 0) {
     return error;
   }
+  checkSize(path, file.sizeAtOpen(), coding);
   content.resize(static_cast<std::size_t>(file.sizeAtOpen()));
   std::size_t length = 0;
   const int error = file.readAt(0, content.data(), content.size(), length);
@@ -41,13 +74,13 @@ int readRegular(const std::string& path, std::string& content) {
 }
 
 // A pipe cannot be read at a position, so it is read as a stream.
-std::string readFile(const std::string& path) {
+std::string readFile(const std::string& path, Coding coding) {
   std::string content;
   plat::FileStatus found;
   if (plat::status(path, found) == 0 && found.kind == plat::Kind::other) {
     std::ifstream file(plat::toNative(path), std::ios::binary);
-    content = readAll(file);
-  } else if (const int error = readRegular(path, content); error != 0) {
+    content = readAll(path, file, coding);
+  } else if (const int error = readRegular(path, coding, content); error != 0) {
     throw Error(inputOutput, path + " cannot be read, " + plat::errorText(error) + ".");
   }
   return content;
@@ -67,7 +100,7 @@ void encodeGroup(const unsigned char* bytes, std::size_t count, std::string& out
 
 std::string base64(const std::string& content) {
   std::string out;
-  out.reserve(content.size() * 4 / 3 + content.size() / BYTES_PER_LINE * 2 + 8);
+  out.reserve(static_cast<std::size_t>(base64Size(static_cast<std::int64_t>(content.size()))));
   const auto* bytes = reinterpret_cast<const unsigned char*>(content.data());
   for (std::size_t i = 0; i < content.size(); i += 3) {
     encodeGroup(bytes + i, std::min<std::size_t>(3, content.size() - i), out);
@@ -78,12 +111,13 @@ std::string base64(const std::string& content) {
   return out;
 }
 
-std::unique_ptr<DAC_MemoryDataAccess> inMemory(const std::string& content) {
+std::unique_ptr<DAC_MemoryDataAccess> inMemory(const std::string& what,
+                                               const std::string& content) {
   auto data = std::make_unique<DAC_MemoryDataAccess>();
   unsigned int status = 0;
   data->write(static_cast<std::int32_t>(content.size()), content.data(), status);
   if (status != 0) {
-    throw Error(inputOutput, "The content is too large, status " + std::to_string(status) + ".");
+    refuse(what, ", status " + std::to_string(status));
   }
   return data;
 }
@@ -100,7 +134,7 @@ void addAddress(GMA_Message& message, std::uint32_t type, const std::string& tex
 }
 
 void attach(GMA_Message& message, const std::string& path) {
-  auto data = inMemory(base64(readFile(path)));
+  auto data = inMemory(path, base64(readFile(path, Coding::base64)));
   const std::string name = path.substr(path.find_last_of("/\\") + 1);
   data->setStringAttribute(dac::CONTENT_TITLE, name.c_str());
   SCL_String quoted;
@@ -120,9 +154,11 @@ void fill(GMA_Message& message, const SendOptions& options) {
     message.headers().add(GMA_Mhdr(gma::SUBJECT, options.subject.c_str()));
   }
   if (!options.bodyFile.empty()) {
+    const bool isInput = options.bodyFile == "-";
+    const std::string what = isInput ? "Standard input" : options.bodyFile;
     const std::string text =
-        options.bodyFile == "-" ? readAll(std::cin) : readFile(options.bodyFile);
-    message.setBody(inMemory(text).release());
+        isInput ? readAll(what, std::cin, Coding::none) : readFile(what, Coding::none);
+    message.setBody(inMemory(what, text).release());
   }
   for (const std::string& path : options.attachments) {
     attach(message, path);

@@ -94,16 +94,12 @@ int checkCommand(const std::string& configFile) {
 }
 
 int listCommand(const std::string& configFile, const ListOptions& options) {
-  PFA_Profile profile;
-  openProfile(profile, configFile);
-  return list(profile, readConfig(profile, configFile), options);
+  return list(session(configFile, LOG_Logging::BRIEF).postOffices(), options);
 }
 
 int retryCommand(const std::string& configFile, const std::string& office,
-                 const std::string& base) {
-  PFA_Profile profile;
-  openProfile(profile, configFile);
-  return retry(profile, readConfig(profile, configFile), office, base);
+                 const std::string& name) {
+  return retry(session(configFile, LOG_Logging::BRIEF).postOffices().find(office), name);
 }
 
 int sendCommand(const std::string& configFile, const SendOptions& options) {

@@ -93,6 +93,30 @@ expect_status 0 "$krxhost" send --config "$spool/krx.ini" --post-office Main --f
   --body <(echo from a pipe)
 grep -q 'from a pipe' "$spool"/out/*.MSG || fail "a pipe as body"
 
+# What is too large, for positions of 32 bits or for the memory that is allowed, leaves nothing behind;
+# nor does a delivery that fails count as one.
+rm "$spool"/out/*
+truncate -s 1700M "$spool/base64"
+truncate -s 3G "$spool/plain"
+sending=("$krxhost" send --config "$spool/krx.ini" --post-office Main --from a@a --to b@b)
+for option in "--attach $spool/base64" "--attach $spool/plain" "--body $spool/plain"; do
+  expect_status 65 timeout 20 "${sending[@]}" $option
+  expect_output "${option#* } is too large, a message holds at most 2147483647 bytes"
+done
+head -c 3000 /dev/zero >"$spool/small"
+KRX_MAX_CONTENT=3000 expect_status 0 "${sending[@]}" --body "$spool/small"
+rm "$spool"/out/*
+for option in "--attach $spool/small" "--body -"; do
+  KRX_MAX_CONTENT=2999 expect_status 65 "${sending[@]}" $option <"$spool/small"
+  expect_output "is too large, status 10011."
+done
+expect_files "$spool/out"
+configure "MustOpenAtStart = NO"
+rmdir "$spool/out"
+expect_status 74 "${sending[@]}"
+expect_output "cannot be delivered, status"
+mkdir "$spool/out"
+
 # A half-written pair waits until it is complete; a host that polls ends when it is asked to.
 rm -f "$spool"/in/* "$spool"/out/*
 printf 'Message-ID: <LATE@x>\r\nRecipient: a@b\r\n' >"$spool/in/LATE.RCP"
@@ -110,4 +134,16 @@ kill -TERM "$host"
 wait "$host" || fail "the host ended with $?"
 grep -q 'fetched 1, delivered 1' "$spool/run" || fail "$(cat "$spool/run")"
 expect_files "$spool/out" LATE.MSG LATE.RCP
+
+# Asked to end, it does not drain a long queue first.
+for i in $(seq 3000); do
+  printf 'Return-path: s@a\r\nRecipient: a@b\r\n' >"$spool/in/Q$i.RCP"
+  printf 'Subject: x\r\n\r\nx\r\n.\r\n' >"$spool/in/Q$i.MSG"
+done
+"$krxhost" run --config "$spool/krx.ini" >"$spool/run" 2>&1 &
+host=$!
+for _ in $(seq 500); do ls "$spool/out" | grep -q '^Q' && break; sleep 0.01; done
+kill -TERM "$host"
+wait "$host" || fail "the host ended with $?"
+[ "$(ls "$spool"/in/Q*.RCP | wc -l)" -gt 0 ] || fail "the queue was drained first"
 finish

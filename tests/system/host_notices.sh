@@ -28,6 +28,31 @@ expect_output '"content": "Man"'
 grep -q $'^Content-Transfer-Encoding: base64\r$' "$spool/CODED.MSG" || fail "the encoding is lost"
 [ "$(grep -c '^Content-Type' "$spool/CODED.MSG")" -eq 3 ] || fail "$(cat "$spool/CODED.MSG")"
 
+# Nor is a body whose encoding is of another kind, unknown, or in no order; what stands as it is may be
+# named in any case and with comments.
+mime=$'MIME-Version: 1.0\nSubject: Hi\nDate: d\nContent-Type: text/plain\nContent-Transfer-Encoding: '
+number=0
+while read -r kind encoding; do
+  number=$((number + 1))
+  put "$spool/in" "E$number" "$mime$encoding"$'\n\nTWFu=\n.'
+  expect_status 0 "$krxhost" run --once --config "$spool/krx.ini" --append "$spool/after"
+  mixed=parts
+  [ "$(body_of "$spool/out/E$number.MSG")" = $'TWFu=\n-- \nsent by s@a\n.' ] && mixed=mixed
+  [ "$mixed" = "$kind" ] || fail "$encoding: $(cat "$spool/out/E$number.MSG")"
+  grep -qF "Content-Transfer-Encoding: $encoding" "$spool/out/E$number.MSG" || fail "$encoding is lost"
+done <<'END'
+parts quoted-printable
+parts x-uuencode
+parts base64;
+parts 7bit base64
+mixed 7BIT
+mixed (as) 8bit (it stands)
+mixed Binary
+END
+put "$spool/in" PART $'MIME-Version: 1.0\nSubject: Hi\nDate: d\nContent-Type: multipart/mixed; boundary=b\n\n--b\nContent-Type: text/plain\nContent-Transfer-Encoding: x-uuencode\n\nTWFu\n--b--\n.'
+expect_status 0 "$krxhost" run --once --config "$spool/krx.ini" --append "$spool/after"
+tr -d '\r' <"$spool/out/PART.MSG" | grep -A1 '^TWFu$' | grep -q '^--[^ ]' || fail "$(cat "$spool/out/PART.MSG")"
+
 # The command does the same with one pair, which stays as it is.
 mkdir "$spool/noted"
 put "$spool" ONE $'Subject: Hi\nDate: d\n\ntext\n.'

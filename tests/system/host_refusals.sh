@@ -37,6 +37,30 @@ PostOffice = Main
 Route = Main, Nowhere"
 expect_status 78 "$krxhost" run --once --config "$spool/krx.ini"
 expect_output 'a route names "Nowhere"'
+while IFS='|' read -r entry words; do
+  configure "[Host]
+PostOffice = Main
+$entry"
+  expect_status 78 "$krxhost" run --once --config "$spool/krx.ini"
+  expect_output "$words"
+done <<'END'
+Retries = three|krx.ini:8: section [Host], entry "Retries" is not a number.
+Log = Nowhere|The log section "Nowhere" cannot be used
+END
+configure "[Host]
+PostOffice = Main
+Route = Main, Main
+Route = Main, Main"
+expect_status 78 "$krxhost" run --once --config "$spool/krx.ini"
+expect_output 'krx.ini:9: section [Host], entry "Route" has a second route for the same post office.'
+# A post office without a section has no directories, least of all that at the root.
+configure "[Host]
+PostOffice = Main
+PostOffice = Ghost"
+for command in "run --once" check list "list --incomplete --json" "retry --post-office Ghost X"; do
+  expect_status 78 "$krxhost" $command --config "$spool/krx.ini"
+  expect_output 'Error in configuration section Ghost, there is no such section.'
+done
 
 # Mail that would go round.
 configure
@@ -65,6 +89,64 @@ kill "$holder" 2>/dev/null
 wait "$holder" 2>/dev/null
 sleep 0.1
 pkill -P "$holder" 2>/dev/null
+
+# A host that polls holds its source directories: one that is there, one whose lock file is removed, and
+# one that comes later; none that another process holds is fetched from.
+configure "MustOpenAtStart = NO
+[Late]
+SourceDir = $spool/late
+DestDir = $spool/out
+MailDomain = here
+ContainerClass = Class
+MustOpenAtStart = NO
+[Host]
+PostOffice = Main
+PostOffice = Late
+Poll = 1"
+start() { # LOG
+  "$krxhost" run --config "$spool/krx.ini" >"$spool/$1" 2>&1 &
+  host=$!
+}
+await() { # COMMAND...
+  for _ in $(seq 100); do
+    "$@" 2>/dev/null && return
+    sleep 0.1
+  done
+  fail "$* does not come true: $(tail -n 3 "$spool"/first "$spool"/second 2>&1)"
+}
+is_ours() { [ "$(cat "$spool/$1/.krxhost" 2>/dev/null)" = "$host" ]; }
+start first
+await is_ours in
+expect_status 69 "$krxhost" run --once --config "$spool/krx.ini"
+expect_output "in use by process $host"
+rm "$spool/in/.krxhost"
+await is_ours in
+mkdir "$spool/late.new"
+put "$spool/late.new" LATE
+mv "$spool/late.new" "$spool/late"
+await is_ours late
+await test -e "$spool/out/LATE.RCP"
+expect_status 69 "$krxhost" run --once --config "$spool/krx.ini"
+kill -TERM "$host"
+wait "$host" || fail "the host ended with $?"
+rm -rf "$spool/late"
+start second
+await grep -q 'post office "Late": it is not there' "$spool/second"
+mkdir "$spool/late.new"
+put "$spool/late.new" HELD
+touch "$spool/late.new/.krxhost"
+exec 8<"$spool/late.new/.krxhost"
+flock 8
+mv "$spool/late.new" "$spool/late"
+await grep -q 'post office "Late" is in use by another process' "$spool/second"
+kill -TERM "$host" 2>/dev/null
+ended=0
+wait "$host" || ended=$?
+[ "$ended" -eq 69 ] || fail "the host ended with $ended"
+exec 8<&-
+expect_files "$spool/late" HELD.MSG HELD.RCP
+rm -rf "$spool"/out/*
+configure
 
 # A link where the lock should be leads nowhere.
 echo precious >"$spool/precious"

@@ -75,4 +75,36 @@ if with_full_log true 2>/dev/null; then
 else
   echo "not shown here: a full log disk, because a mount is refused"
 fi
+
+# Memory that runs out at any moment of a run, for one call or for some, costs no mail. A sanitizer has
+# an allocator of its own.
+g++ -std=c++20 -O1 -shared -fPIC "$source/tests/system/failing_new.cpp" -o "$spool/failing_new.so" ||
+  fail "failing_new.cpp cannot be compiled"
+remains() { # NAME
+  local directory
+  for directory in in in/QDXRECVR out; do
+    [ -e "$spool/$directory/$1.RCP" ] && [ -e "$spool/$directory/$1.MSG" ] && return
+  done
+  return 1
+}
+fail_at() { # CALL COUNT; false when there is no such call
+  rm -rf "$spool"/in/* "$spool"/out/*
+  cp "$source"/examples/spool/PLAIN01.* "$spool/in/"
+  printf 'no envelope\r\n' >"$spool/in/BAD01.RCP"
+  printf 'Subject: x\r\n\r\nx\r\n.\r\n' >"$spool/in/BAD01.MSG"
+  KRX_COMMIT=0 FAIL_FROM=$1 FAIL_COUNT=$2 LD_PRELOAD=$spool/failing_new.so timeout 60 \
+    "$krxhost" run --once --config "$spool/krx.ini" >"$spool/output" 2>&1
+  grep -q '^no memory$' "$spool/output" || return
+  for name in PLAIN01 BAD01; do
+    remains $name || fail "allocation $1 and $(($2 - 1)) more fail: $name is lost: $(cat "$spool/output")"
+  done
+}
+configure
+if ! nm -D "$krxhost" | grep -q __asan; then
+  for count in 1 4; do
+    call=1
+    while fail_at $call $count; do call=$((call + count)); done
+    [ "$call" -gt 100 ] || fail "no more than $call allocations could fail"
+  done
+fi
 finish
