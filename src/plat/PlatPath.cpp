@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 #include "plat/PlatSystem.h"
 
@@ -125,12 +126,11 @@ std::string currentDrive() {
 }
 
 std::string currentDirectory() {
-  char* found = ::getcwd(nullptr, 0);
+  const std::unique_ptr<char, decltype(&std::free)> found(::getcwd(nullptr, 0), &std::free);
   if (found == nullptr) {
     return std::string();
   }
-  std::string directory = fromNative(found);
-  std::free(found);
+  std::string directory = fromNative(found.get());
   if (directory.back() != '\\') {
     directory += '\\';
   }

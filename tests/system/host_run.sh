@@ -100,7 +100,7 @@ fail_at() { # CALL COUNT; false when there is no such call
   done
 }
 configure
-if ! nm -D "$krxhost" | grep -q __asan; then
+if [[ $(nm -D "$krxhost") != *__asan* ]]; then
   for count in 1 4; do
     call=1
     while fail_at $call $count; do call=$((call + count)); done
