@@ -11,21 +11,11 @@
 #include <vector>
 
 #include "host/Config.h"
+#include "host/Reason.h"
 
 class GMA_Message;
 
 namespace host {
-
-// What the reason file of a kept pair says.
-struct Reason {
-  unsigned int status = 0;
-  std::string text;
-  std::int64_t time = 0;     // of the last failure, seconds since 1970-01-01 UTC
-  std::uint32_t tries = 0;   // failures so far, and the try that was begun by putting it back
-  std::uint64_t device = 0;  // the kept message file, so that a move that was interrupted
-  std::uint64_t inode = 0;   // between its two files can be finished
-  std::string name;          // the pair's own base name where it is kept under a shortened one
-};
 
 struct KeptPair {
   std::string envelope;  // names in the receiver directory
