@@ -92,7 +92,7 @@ __attribute__((target("avx2"))) Base64Step decodeBlocks(std::string_view text, c
     const auto valueCount = static_cast<std::size_t>(std::countr_one(isValue));
     step.taken += valueCount / 4 * 4;
     step.put += valueCount / 4 * 3;
-    if (valueCount % 4 != 0 || !text.substr(step.taken).starts_with("\r\n")) {
+    if (!text.substr(step.taken).starts_with("\r\n")) {
       break;
     }
     step.taken += 2;
