@@ -197,4 +197,25 @@ for option in "" --incomplete; do
   grep -qE 'OTHER|HALF' "$spool/output" && fail "$(cat "$spool/output")"
 done
 expect_files "$spool/elsewhere" OTHER.{MSG,RCP,txt} LONE.txt HALF.MSG
+# What a crash finds is never an envelope without its message: of a copy beside an earlier one the
+# message file comes first, and each is on the disk before the next; a pair is put back in that order.
+if strace -o /dev/null true 2>/dev/null; then
+  traced() { # CALLS: runs, and prints calls and the last parts of their paths
+    ASAN_OPTIONS=detect_leaks=0 expect_status 0 strace -y -o "$spool/trace" -e "trace=$1" "$krxhost" run --once \
+      --config "$spool/krx.ini"
+    sed -nE 's/^([a-z0-9]+)\(.*\/(in\/|QDXRECVR\/)?((TWO-1|TWO)\.(MSG|RCP)|QDXRECVR)\/?[>"].*/\1 \3/p' "$spool/trace"
+  }
+  rm -rf "$spool"/in/*
+  retry_pause 1000
+  mkdir "$kept"
+  put "$kept" TWO "Subject: an earlier one"
+  put "$spool/in" TWO "" "no envelope"
+  order=$(traced fsync | tr '\n' ';')
+  [[ $order == *"fsync TWO-1.MSG;fsync TWO-1.RCP;fsync QDXRECVR;"* ]] || fail "the commits of a copy: $order"
+  rm "$kept"/TWO.*
+  retry_pause 0
+  order=$(traced renameat2 | tr '\n' ';')
+  [[ $order == *TWO*.MSG*TWO*.RCP* ]] || fail "the order of putting back: $order"
+fi
+
 finish
