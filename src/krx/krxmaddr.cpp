@@ -3,9 +3,9 @@
 
 #include <new>
 
+#include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "krx/krxaddr.h"
-#include "krx/krxmemory.h"
 #include "scl/SCLDUMP.h"
 
 KRX_Maddr::KRX_Maddr(std::uint32_t type, const SCL_StringRef& text,
@@ -39,8 +39,8 @@ void KRX_Maddr::parse(const SCL_StringRef& text, unsigned int& status) {
     return;
   }
   KRX_ParsedAddress address;
-  KRX_orAssert("krxmaddr", __LINE__,
-               [&] { KRX_parseRfcAddress(text, m_default_domain, address, status); });
+  GENWithMemory("krxmaddr", __LINE__,
+                [&] { KRX_parseRfcAddress(text, m_default_domain, address, status); });
   if (status != 0) {
     // The text goes too: getText must never answer with an address that was not understood.
     m_user.clear();

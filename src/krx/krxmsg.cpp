@@ -14,7 +14,6 @@
 #include "gen/GENWNT.h"
 #include "krx/krxapi.h"
 #include "krx/krxmaddr.h"
-#include "krx/krxmemory.h"
 #include "log/LOGGLB.h"
 #include "log/LOGLOG.h"
 #include "plat/PlatError.h"
@@ -97,7 +96,7 @@ void KRX_Message::loadMessage(unsigned int& status) {
     return;
   }
   m_loaded = 1;
-  KRX_orAssert("krxmsg", __LINE__, [&] { loadPair(status); });
+  GENWithMemory("krxmsg", __LINE__, [&] { loadPair(status); });
 }
 
 void KRX_Message::loadPair(unsigned int& status) {
@@ -151,7 +150,7 @@ void KRX_Message::save(void* /*argument*/, unsigned int& status) {
   if (m_msg_file.isEmpty()) {
     GENAssertText("Empty file name in KRX_Message::save", "krxmsg", __LINE__);
   }
-  KRX_orAssert("krxmsg", __LINE__, [&] { status = copyToReceiver(); });
+  GENWithMemory("krxmsg", __LINE__, [&] { status = copyToReceiver(); });
 }
 
 unsigned int KRX_Message::copyToReceiver() const {

@@ -7,7 +7,6 @@
 #include "gen/GENCODES.h"
 #include "gen/GENWNT.h"
 #include "krx/krxapi.h"
-#include "krx/krxmemory.h"
 #include "krx/krxmsg.h"
 #include "log/LOGGLB.h"
 #include "log/LOGLOG.h"
@@ -79,7 +78,7 @@ GMA_Message* KRX_PostOffice::nextMessage(unsigned int& status) {
   if (m_ras_schedule) {
     raiseLineWhenDue();
   }
-  return KRX_orAssert("krxpo", __LINE__, [&] { return fetchMessage(status); });
+  return GENWithMemory("krxpo", __LINE__, [&] { return fetchMessage(status); });
 }
 
 GMA_Message* KRX_PostOffice::fetchMessage(unsigned int& status) {

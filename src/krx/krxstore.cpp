@@ -7,9 +7,9 @@
 
 #include "dac/DACFILDA.h"
 #include "fl/FLSTATUS.h"
+#include "gen/GENCATCH.h"
 #include "gen/GENCODES.h"
 #include "krx/krxdraw.h"
-#include "krx/krxmemory.h"
 #include "krx/krxmsg.h"
 #include "plat/PlatError.h"
 #include "plat/PlatFile.h"
@@ -73,7 +73,7 @@ void KRX_Message::storeMessage(unsigned int& status) {
   if (status != 0) {
     return;
   }
-  KRX_orAssert("krxmsg", __LINE__, [&] { deliver(status); });
+  GENWithMemory("krxmsg", __LINE__, [&] { deliver(status); });
 }
 
 void KRX_Message::deliver(unsigned int& status) {
